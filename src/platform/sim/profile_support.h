@@ -1,0 +1,30 @@
+// Pieces shared by loading and saving machine profiles.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "hostkit/sim/machine.h"
+
+namespace Hostkit::sim {
+
+// A shared pointer to `machine` that does not own it, for ScopedMachine.
+std::shared_ptr<Machine> Unowned(Machine& machine);
+
+// The whole content of a file; false when it cannot be read.
+bool ReadWholeFile(const std::filesystem::path& file, std::string& bytes);
+
+// Parses a registry file (converting REGEDIT4 text with the machine's ANSI code page) and
+// applies it to `machine`. On any error the machine's registry is left as it was and `error`
+// is "NAME:LINE: what is wrong".
+bool ApplyRegistryBytes(Machine& machine, std::string_view bytes, const std::string& name,
+                        std::string& error);
+
+// Text of the profile (UTF-8) to the machine's ANSI code page and back; false when the text
+// has no exact form on the other side.
+bool Utf8ToAnsi(const Machine& machine, const std::string& utf8, std::string& ansi);
+bool AnsiToUtf8(const Machine& machine, const std::string& ansi, std::string& utf8);
+
+}  // namespace Hostkit::sim

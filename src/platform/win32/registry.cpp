@@ -1,0 +1,62 @@
+// Registry calls forwarded to advapi32.
+#include "platform/registry.h"
+
+namespace Hostkit::platform {
+
+LONG RegOpenKeyExA(HKEY key, const char* subKey, DWORD options, REGSAM access, HKEY* result) {
+  return ::RegOpenKeyExA(key, subKey, options, access, result);
+}
+LONG RegOpenKeyExW(HKEY key, const WCHAR* subKey, DWORD options, REGSAM access, HKEY* result) {
+  return ::RegOpenKeyExW(key, subKey, options, access, result);
+}
+LONG RegCreateKeyExA(HKEY key, const char* subKey, DWORD reserved, char* keyClass, DWORD options,
+                     REGSAM access, void* security, HKEY* result, DWORD* disposition) {
+  return ::RegCreateKeyExA(key, subKey, reserved, keyClass, options, access,
+                           static_cast<SECURITY_ATTRIBUTES*>(security), result, disposition);
+}
+LONG RegCreateKeyExW(HKEY key, const WCHAR* subKey, DWORD reserved, WCHAR* keyClass, DWORD options,
+                     REGSAM access, void* security, HKEY* result, DWORD* disposition) {
+  return ::RegCreateKeyExW(key, subKey, reserved, keyClass, options, access,
+                           static_cast<SECURITY_ATTRIBUTES*>(security), result, disposition);
+}
+LONG RegCloseKey(HKEY key) { return ::RegCloseKey(key); }
+
+LONG RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, BYTE* data,
+                      DWORD* size) {
+  return ::RegQueryValueExA(key, name, reserved, type, data, size);
+}
+LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
+                      DWORD* size) {
+  return ::RegQueryValueExW(key, name, reserved, type, data, size);
+}
+LONG RegSetValueExA(HKEY key, const char* name, DWORD reserved, DWORD type, const BYTE* data,
+                    DWORD size) {
+  return ::RegSetValueExA(key, name, reserved, type, data, size);
+}
+LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
+                    DWORD size) {
+  return ::RegSetValueExW(key, name, reserved, type, data, size);
+}
+LONG RegDeleteValueA(HKEY key, const char* name) { return ::RegDeleteValueA(key, name); }
+LONG RegDeleteValueW(HKEY key, const WCHAR* name) { return ::RegDeleteValueW(key, name); }
+LONG RegDeleteKeyA(HKEY key, const char* subKey) { return ::RegDeleteKeyA(key, subKey); }
+LONG RegDeleteKeyW(HKEY key, const WCHAR* subKey) { return ::RegDeleteKeyW(key, subKey); }
+
+LONG RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* nameSize, DWORD* reserved,
+                   char* keyClass, DWORD* classSize, FILETIME* lastWrite) {
+  return ::RegEnumKeyExA(key, index, name, nameSize, reserved, keyClass, classSize, lastWrite);
+}
+LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* nameSize, DWORD* reserved,
+                   WCHAR* keyClass, DWORD* classSize, FILETIME* lastWrite) {
+  return ::RegEnumKeyExW(key, index, name, nameSize, reserved, keyClass, classSize, lastWrite);
+}
+LONG RegEnumValueA(HKEY key, DWORD index, char* name, DWORD* nameSize, DWORD* reserved, DWORD* type,
+                   BYTE* data, DWORD* dataSize) {
+  return ::RegEnumValueA(key, index, name, nameSize, reserved, type, data, dataSize);
+}
+LONG RegEnumValueW(HKEY key, DWORD index, WCHAR* name, DWORD* nameSize, DWORD* reserved,
+                   DWORD* type, BYTE* data, DWORD* dataSize) {
+  return ::RegEnumValueW(key, index, name, nameSize, reserved, type, data, dataSize);
+}
+
+}  // namespace Hostkit::platform

@@ -1,0 +1,50 @@
+// The machine of the simulated build: a profile from a file, or the embedded default machine.
+#include <map>
+#include <memory>
+
+#include "commands.h"
+#include "embedded_files.h"
+#include "hostkit/sim/machine.h"
+#include "hostkit/sim/profile.h"
+
+namespace hostkit_tool {
+
+namespace {
+
+// The embedded profile: its one JSON file, with every other embedded file as a registry file
+// it may name.
+std::shared_ptr<Hostkit::sim::Machine> LoadDefaultMachine(std::string& error) {
+  std::string profile;
+  std::string profileName;
+  std::map<std::string, std::string> registryFiles;
+  for (std::size_t i = 0; i < kDefaultMachineFileCount; ++i) {
+    const EmbeddedFile& file = kDefaultMachineFiles[i];
+    std::string name = file.name;
+    std::string bytes(reinterpret_cast<const char*>(file.data), file.size);
+    if (name.size() > 5 && name.ends_with(".json")) {
+      profile = std::move(bytes);
+      profileName = "(built-in) " + name;
+    } else {
+      registryFiles[name] = std::move(bytes);
+    }
+  }
+  if (profileName.empty()) {
+    error = "the built-in machine has no profile";
+    return nullptr;
+  }
+  return Hostkit::sim::LoadMachineProfileText(profile, profileName, registryFiles, {}, error);
+}
+
+}  // namespace
+
+bool UseMachine(const std::string& file, std::string& error) {
+  auto machine = file.empty() ? LoadDefaultMachine(error)
+                              : Hostkit::sim::LoadMachineProfile(file, error);
+  if (!machine) {
+    return false;
+  }
+  Hostkit::sim::ActivateMachine(std::move(machine));
+  return true;
+}
+
+}  // namespace hostkit_tool
