@@ -1,16 +1,19 @@
 // Machine profiles: the fixtures load into the machines they describe, a saved machine loads
 // again into an equal one, and every kind of mistake in a profile or in a registry file it
 // names is reported as one line naming the file and line at fault.
+#include "hostkit/sim/profile.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <string>
 
 #include "hostkit/os.h"
 #include "hostkit/regwiz.h"
-#include "hostkit/sim/profile.h"
 #include "platform/registry.h"
 #include "platform/sim/registry_store.h"
 
@@ -45,19 +48,25 @@ void ExpectSameFacts(const MachineFacts& a, const MachineFacts& b) {
   EXPECT_EQ(a.modulePath, b.modulePath);
 }
 
-// A scratch folder of its own for each test.
+// Each test gets a scratch folder of its own: parallel runs of the suite, in this build or
+// another one, never share a file.
 class Profiles : public testing::Test {
  protected:
   void SetUp() override {
-    folder_ = std::filesystem::path(testing::TempDir()) / "profiles" /
-              testing::UnitTest::GetInstance()->current_test_info()->name();
-    std::filesystem::remove_all(folder_);
+    static const std::string run = std::to_string(std::random_device{}());
+    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+    std::string name = std::string("hostkit-") + test->test_suite_name() + "." + test->name();
+    std::replace(name.begin(), name.end(), '/', '.');
+    folder_ = std::filesystem::path(testing::TempDir()) / (name + "." + run);
     std::filesystem::create_directories(folder_);
   }
-  void TearDown() override { ActivateMachine(nullptr); }
+  void TearDown() override {
+    ActivateMachine(nullptr);
+    std::filesystem::remove_all(folder_);
+  }
 
   std::filesystem::path Write(const std::string& name, const std::string& text) {
-    const auto path = folder_ / name;
+    auto path = folder_ / name;
     std::ofstream(path, std::ios::binary) << text;
     return path;
   }
@@ -256,8 +265,9 @@ TEST_F(Profiles, ImportIntoAnExistingMachineAppliesAllOrNothing) {
   const auto machine = LoadMachineProfile(kMachines / "winxp.json", error);
   ASSERT_NE(machine, nullptr) << error;
   const RegistrySnapshot before = machine->registry().snapshot();
-  const auto bad = Write("bad.reg", "REGEDIT4\r\n[-HKLM\\SOFTWARE]\r\n[HKLM\\X]\r\n\"v\"=hex:1,\r\n"
-                                    "\"w\"=hex:0g\r\n");
+  const auto bad = Write("bad.reg",
+                         "REGEDIT4\r\n[-HKLM\\SOFTWARE]\r\n[HKLM\\X]\r\n\"v\"=hex:1,\r\n"
+                         "\"w\"=hex:0g\r\n");
   EXPECT_FALSE(ImportRegFile(*machine, bad, error));
   EXPECT_THAT(error, StartsWith(bad.string() + ":5: "));
   EXPECT_EQ(machine->registry().snapshot(), before);

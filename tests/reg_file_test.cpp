@@ -1,16 +1,18 @@
 // Registry files: both formats read into the same registry, the writer's output reads back
 // into an identical tree, and malformed files are refused with their file and line before
 // anything changes.
+#include "foundation/reg_file.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <string>
 #include <vector>
 
-#include "foundation/reg_file.h"
 #include "hostkit/sim/profile.h"
 #include "platform/registry.h"
 #include "platform/sim/registry_store.h"
@@ -24,6 +26,18 @@ using hostkit_test::Release;
 using hostkit_test::UseFreshMachine;
 using testing::HasSubstr;
 using testing::StartsWith;
+
+// A scratch folder of the running test's own: parallel runs of the suite, in this build or
+// another one, never share a file.
+std::filesystem::path ScratchFolder() {
+  static const std::string run = std::to_string(std::random_device{}());
+  const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+  std::string name = std::string("hostkit-") + test->test_suite_name() + "." + test->name();
+  std::replace(name.begin(), name.end(), '/', '.');
+  auto folder = std::filesystem::path(testing::TempDir()) / (name + "." + run);
+  std::filesystem::create_directories(folder);
+  return folder;
+}
 
 // A 5.00 file: the byte-order mark and the UTF-16 LE units of `text`.
 std::string Utf16File(std::u16string_view text) {
@@ -39,8 +53,7 @@ std::string Utf16File(std::u16string_view text) {
 std::string Load(std::string_view bytes, const std::string& name = "test.reg") {
   std::vector<Operation> operations;
   std::string error;
-  if (!ParseRegFile(bytes, name, operations, error) ||
-      !ApplyRegFile(operations, name, error)) {
+  if (!ParseRegFile(bytes, name, operations, error) || !ApplyRegFile(operations, name, error)) {
     return error.empty() ? "failed without a message" : error;
   }
   return {};
@@ -70,8 +83,8 @@ Stored Query(HKEY root, const char* path, const char* name) {
   const bool narrow = sim::ActiveMachine()->isWin9x();
   auto query = [&](BYTE* data) {
     return narrow ? platform::RegQueryValueExA(key, name, nullptr, &stored.type, data, &size)
-                  : platform::RegQueryValueExW(key, wideName.c_str(), nullptr, &stored.type,
-                                               data, &size);
+                  : platform::RegQueryValueExW(key, wideName.c_str(), nullptr, &stored.type, data,
+                                               &size);
   };
   stored.status = query(nullptr);
   if (stored.status == ERROR_SUCCESS) {
@@ -173,19 +186,18 @@ TEST_P(RegFileFormats, BothFormatsMakeTheSameRegistryWithEveryValueType) {
                          std::u16string_view(u"%SystemRoot%\0", 13)));
   v = Query(HKEY_LOCAL_MACHINE, key, "Multi");
   EXPECT_EQ(v.type, REG_MULTI_SZ);
-  EXPECT_EQ(v.data,
-            text(std::string_view("a\0bc\0\0", 6), std::u16string_view(u"a\0bc\0\0", 6)));
+  EXPECT_EQ(v.data, text(std::string_view("a\0bc\0\0", 6), std::u16string_view(u"a\0bc\0\0", 6)));
   EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, key, "BigEndian").type, REG_DWORD_BIG_ENDIAN);
   EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, key, "Qword").data,
             (std::vector<BYTE>{1, 2, 3, 4, 5, 6, 7, 8}));
   EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, key, "Custom").type, 0x480u);
-  EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, "SOFTWARE\\Types\\Sub", "").data,
-            text(std::string_view("also default\0", 13),
-                 std::u16string_view(u"also default\0", 13)));
+  EXPECT_EQ(
+      Query(HKEY_LOCAL_MACHINE, "SOFTWARE\\Types\\Sub", "").data,
+      text(std::string_view("also default\0", 13), std::u16string_view(u"also default\0", 13)));
 }
 
 TEST_P(RegFileFormats, LineEndingsDoNotChangeWhatIsReadOrTheLinesReported) {
-  const std::string lines[] = {"REGEDIT4", "", "[HKLM\\SOFTWARE\\Ends]", "\"A\"=\"1\"",
+  const std::string lines[] = {"REGEDIT4",        "",     "[HKLM\\SOFTWARE\\Ends]", "\"A\"=\"1\"",
                                "\"B\"=hex:01,\\", "  02", "\"C\"=dword:zz"};
   std::string results[3];
   sim::RegistrySnapshot snapshots[3];
@@ -301,8 +313,7 @@ TEST_P(RegFileFormats, WrittenFileReadsBackIntoAnIdenticalRegistry) {
     big[i] = static_cast<BYTE>(i * 7);
   }
   HKEY key = nullptr;
-  ASSERT_EQ(platform::RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Round", 0, KEY_ALL_ACCESS,
-                                    &key),
+  ASSERT_EQ(platform::RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Round", 0, KEY_ALL_ACCESS, &key),
             ERROR_SUCCESS);
   ASSERT_EQ(platform::RegSetValueExA(key, "Big", 0, REG_BINARY, big.data(), 300), ERROR_SUCCESS);
   platform::RegCloseKey(key);
@@ -352,7 +363,7 @@ INSTANTIATE_TEST_SUITE_P(AllReleases, RegFileFormats,
                          hostkit_test::ReleaseParamName);
 
 // The key at `path` below `key` in a snapshot, or null.
-const sim::KeySnapshot* Find(const sim::KeySnapshot& key, std::vector<std::u16string> path) {
+const sim::KeySnapshot* Find(const sim::KeySnapshot& key, const std::vector<std::u16string>& path) {
   const sim::KeySnapshot* at = &key;
   for (const auto& name : path) {
     const auto it = std::find_if(at->subkeys.begin(), at->subkeys.end(),
@@ -418,12 +429,14 @@ TEST_P(RegFileErrors, RefusedWithFileAndLineAndNothingApplied) {
   EXPECT_THAT(error, HasSubstr(c.message));
   EXPECT_EQ(error.find('\n'), std::string::npos);
 
-  const auto path = std::filesystem::path(testing::TempDir()) / "bad.reg";
+  const auto folder = ScratchFolder();
+  const auto path = folder / "bad.reg";
   std::ofstream(path, std::ios::binary) << c.text;
   EXPECT_FALSE(sim::ImportRegFile(*machine, path, error));
   EXPECT_THAT(error, HasSubstr(":" + std::to_string(c.line) + ": "));
   EXPECT_EQ(Snapshot(), before);
   sim::ActivateMachine(nullptr);
+  std::filesystem::remove_all(folder);
 }
 
 const std::string kGood = "REGEDIT4\r\n[HKLM\\SOFTWARE\\Good]\r\n\"v\"=\"1\"\r\n";
@@ -433,8 +446,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Malformed{"NoHeader", "[HKLM\\SOFTWARE]\r\n", 1, "first line"},
         Malformed{"Version5WithoutMark", "Windows Registry Editor Version 5.00\r\n", 1, "FF FE"},
-        Malformed{"HalfAUnit", Utf16File(u"Windows Registry Editor Version 5.00\r\n\r\n") + "x",
-                  3, "half"},
+        Malformed{"HalfAUnit", Utf16File(u"Windows Registry Editor Version 5.00\r\n\r\n") + "x", 3,
+                  "half"},
         Malformed{"UnknownRoot", kGood + "[HKEY_NOWHERE\\x]\r\n", 4, "HKEY_NOWHERE"},
         Malformed{"NoClosingBracket", kGood + "[HKLM\\SOFTWARE\r\n", 4, "']'"},
         Malformed{"TextAfterKey", kGood + "[HKLM\\SOFTWARE] x\r\n", 4, "after the key"},
@@ -461,7 +474,8 @@ TEST(RegFileApply, AFailureHalfwayLeavesAnImportedMachineUnchanged) {
   // the first one was already written.
   const auto machine = UseFreshMachine(Release::WinXP);
   const sim::RegistrySnapshot before = Snapshot();
-  const auto path = std::filesystem::path(testing::TempDir()) / "halfway.reg";
+  const auto folder = ScratchFolder();
+  const auto path = folder / "halfway.reg";
   std::ofstream(path, std::ios::binary)
       << "REGEDIT4\r\n[HKLM\\SOFTWARE\\First]\r\n\"v\"=\"1\"\r\n\r\n[HKEY_DYN_DATA\\x]\r\n";
   std::string error;
@@ -474,6 +488,7 @@ TEST(RegFileApply, AFailureHalfwayLeavesAnImportedMachineUnchanged) {
   EXPECT_TRUE(sim::ImportRegFile(*machine, path, error)) << error;
   EXPECT_NE(Snapshot(), before);
   sim::ActivateMachine(nullptr);
+  std::filesystem::remove_all(folder);
 }
 
 }  // namespace

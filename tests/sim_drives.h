@@ -2,10 +2,10 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <string>
 
 #include "hostkit/sim/machine.h"
@@ -16,11 +16,15 @@ namespace hostkit_test {
 class SimDrives {
  public:
   explicit SimDrives(Hostkit::sim::Machine& machine) {
-    std::string pattern = (std::filesystem::temp_directory_path() / "hostkit-drives-XXXXXX");
-    if (mkdtemp(pattern.data()) == nullptr) {
-      ADD_FAILURE() << "cannot create a temporary folder";
+    std::random_device random;
+    const auto base = std::filesystem::temp_directory_path();
+    std::error_code error;
+    do {
+      root_ = base / ("hostkit-drives-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(root_, error) && !error);
+    if (error) {
+      ADD_FAILURE() << "cannot create " << root_ << ": " << error.message();
     }
-    root_ = pattern;
     machine.facts().driveRoot = root_;
   }
   ~SimDrives() {

@@ -248,6 +248,7 @@ TEST_F(SimKernel, AccessCheckWalksTheDaclForTheTokensGroups) {
     // Every user is in Users: read and write granted, a right the entry lacks refused.
     EXPECT_TRUE(Check(users, token, 3).granted);
     EXPECT_FALSE(Check(users, token, 4).granted);
+    EXPECT_EQ(Check(users, token, MAXIMUM_ALLOWED).rights, 3u);
     // Generic rights in the request must have been mapped by the caller.
     EXPECT_FALSE(Check(users, token, GENERIC_READ).called);
     EXPECT_EQ(Check(users, token, GENERIC_READ).error,

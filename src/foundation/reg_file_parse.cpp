@@ -32,6 +32,24 @@ std::optional<unsigned> HexDigit(WCHAR c) {
   return std::nullopt;
 }
 
+// The key path after the root name's backslash, without the one trailing backslash Windows
+// accepts; nullopt when a name between backslashes is empty.
+std::optional<wstring_view> KeyPathBelowRoot(wstring_view rest) {
+  for (size_t start = 0;;) {
+    const size_t end = rest.find(u'\\', start);
+    if (end == wstring_view::npos) {
+      return rest;
+    }
+    if (end == start) {
+      return std::nullopt;
+    }
+    if (end + 1 == rest.size()) {
+      return rest.substr(0, end);
+    }
+    start = end + 1;
+  }
+}
+
 class Parser {
  public:
   Parser(wstring_view text, const std::string& fileName, bool version5)
@@ -104,7 +122,7 @@ void Parser::SkipBlanks() {
 }
 
 void Parser::SkipLineBreak() {
-  if (false) {
+  if (At(u'\r')) {
     ++pos_;
     if (At(u'\n')) {
       ++pos_;
@@ -203,23 +221,17 @@ bool Parser::ParseKeyLine() {
   }
   const size_t split = name.find(u'\\');
   const wstring_view rootName = name.substr(0, split);
-  wstring_view path = split == wstring_view::npos ? wstring_view() : name.substr(split + 1);
+  const wstring_view rest = split == wstring_view::npos ? wstring_view() : name.substr(split + 1);
   const HKEY root = RootFromName(rootName);
   if (root == nullptr) {
     return Fail(rootName.empty() ? "missing key name"
                                  : "unknown root key \"" + Utf8ForMessage(rootName) + "\"");
   }
-  if (!path.empty() && path.back() == u'\\') {
-    path.remove_suffix(1);
-  }
-  if (split != wstring_view::npos && path.empty() && name.size() > split + 1) {
+  const auto path = KeyPathBelowRoot(rest);
+  if (!path) {
     return Fail("empty key name in \"" + Utf8ForMessage(name) + "\"");
   }
-  if (!path.empty() && (path.front() == u'\\' || path.find(u"\\\\") != wstring_view::npos ||
-                        path.back() == u'\\')) {
-    return Fail("empty key name in \"" + Utf8ForMessage(name) + "\"");
-  }
-  if (remove && path.empty()) {
+  if (remove && path->empty()) {
     return Fail("a root key cannot be deleted");
   }
 
@@ -227,7 +239,7 @@ bool Parser::ParseKeyLine() {
   op.kind = remove ? Operation::Kind::DeleteKey : Operation::Kind::CreateKey;
   op.line = line_;
   op.root = root;
-  op.path = wstring(path);
+  op.path = wstring(*path);
   operations_.push_back(op);
 
   haveKey_ = true;
@@ -457,8 +469,8 @@ bool Parser::ParseByteList(std::vector<BYTE>& bytes) {
 }
 
 // The text of the file: UTF-16 after the byte-order mark, or the ANSI bytes converted.
-bool DecodeFile(std::string_view bytes, const std::string& fileName, wstring& text,
-                bool& version5, std::string& error) {
+bool DecodeFile(std::string_view bytes, const std::string& fileName, wstring& text, bool& version5,
+                std::string& error) {
   version5 = bytes.size() >= 2 && static_cast<BYTE>(bytes[0]) == 0xFF &&
              static_cast<BYTE>(bytes[1]) == 0xFE;
   if (!version5) {
@@ -471,13 +483,14 @@ bool DecodeFile(std::string_view bytes, const std::string& fileName, wstring& te
   bytes.remove_prefix(2);
   text.clear();
   for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    text += static_cast<WCHAR>(static_cast<BYTE>(bytes[i]) |
-                               (static_cast<BYTE>(bytes[i + 1]) << 8));
+    text +=
+        static_cast<WCHAR>(static_cast<BYTE>(bytes[i]) | (static_cast<BYTE>(bytes[i + 1]) << 8));
   }
   if (bytes.size() % 2 != 0) {
     int lines = 1;
     for (size_t i = 0; i < text.size(); ++i) {
-      if (text[i] == u'\n' || (text[i] == u'\r' && (i + 1 == text.size() || text[i + 1] != u'\n'))) {
+      if (text[i] == u'\n' ||
+          (text[i] == u'\r' && (i + 1 == text.size() || text[i + 1] != u'\n'))) {
         ++lines;
       }
     }

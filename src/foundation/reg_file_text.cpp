@@ -91,8 +91,8 @@ bool WideToAnsi(wstring_view wide, std::string& ansi) {
     return false;
   }
   const int length = static_cast<int>(wide.size());
-  const int needed = platform::WideCharToMultiByte(CP_ACP, 0, wide.data(), length, nullptr, 0,
-                                                   nullptr, nullptr);
+  const int needed =
+      platform::WideCharToMultiByte(CP_ACP, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
   if (needed <= 0) {
     return false;
   }

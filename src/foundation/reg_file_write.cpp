@@ -71,8 +71,8 @@ class Writer {
   static constexpr bool kVersion5 = sizeof(Ch) == 2;
 
   LONG Write(const std::vector<HKEY>& roots, std::string& error) {
-    AppendAscii<Ch>(out_, kVersion5 ? "Windows Registry Editor Version 5.00\r\n\r\n"
-                                    : "REGEDIT4\r\n\r\n");
+    AppendAscii<Ch>(
+        out_, kVersion5 ? "Windows Registry Editor Version 5.00\r\n\r\n" : "REGEDIT4\r\n\r\n");
     for (HKEY root : roots) {
       const LONG result = WriteKey(root, Text<Ch>());
       if (result != ERROR_SUCCESS) {
@@ -152,8 +152,8 @@ class Writer {
         failure_ = "cannot read the values of " + Describe(root, path);
         return result;
       }
-      Value stored{value.type, std::vector<BYTE>(value.data.begin(),
-                                                 value.data.begin() + dataSize)};
+      Value stored{value.type,
+                   std::vector<BYTE>(value.data.begin(), value.data.begin() + dataSize)};
       WriteValue(Text<Ch>(name.data(), nameSize), stored);
     }
     AppendAscii<Ch>(out_, "\r\n");
@@ -189,8 +189,8 @@ class Writer {
       AppendQuoted(text);
     } else if (value.type == REG_DWORD && value.data.size() == 4) {
       char digits[16];
-      std::snprintf(digits, sizeof digits, "dword:%02x%02x%02x%02x", value.data[3],
-                    value.data[2], value.data[1], value.data[0]);
+      std::snprintf(digits, sizeof digits, "dword:%02x%02x%02x%02x", value.data[3], value.data[2],
+                    value.data[1], value.data[0]);
       AppendAscii<Ch>(out_, digits);
     } else {
       AppendBytes(value, out_.size() - lineStart);

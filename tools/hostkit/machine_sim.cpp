@@ -38,8 +38,8 @@ std::shared_ptr<Hostkit::sim::Machine> LoadDefaultMachine(std::string& error) {
 }  // namespace
 
 bool UseMachine(const std::string& file, std::string& error) {
-  auto machine = file.empty() ? LoadDefaultMachine(error)
-                              : Hostkit::sim::LoadMachineProfile(file, error);
+  auto machine =
+      file.empty() ? LoadDefaultMachine(error) : Hostkit::sim::LoadMachineProfile(file, error);
   if (!machine) {
     return false;
   }

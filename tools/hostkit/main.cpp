@@ -6,7 +6,9 @@
 
 #include "commands.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+int Run(int argc, char** argv) {
   CLI::App app{"hostkit: asks the Hostkit3 library about a Windows machine"};
   std::string machine;
   app.add_option("--machine", machine,
@@ -25,20 +27,29 @@ int main(int argc, char** argv) {
     return app.exit(e) == 0 ? 0 : 1;
   }
 
+  std::string error;
+  if (!hostkit_tool::UseMachine(machine, error)) {
+    std::cerr << "hostkit: " << error << "\n";
+    return 1;
+  }
+  if (os->parsed()) {
+    return hostkit_tool::RunOs(std::cout, std::cerr);
+  }
+  if (query->parsed()) {
+    return hostkit_tool::RunRegQuery(key, std::cout, std::cerr);
+  }
+  return 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
   try {
-    std::string error;
-    if (!hostkit_tool::UseMachine(machine, error)) {
-      std::cerr << "hostkit: " << error << "\n";
-      return 1;
-    }
-    if (os->parsed()) {
-      return hostkit_tool::RunOs(std::cout, std::cerr);
-    }
-    if (query->parsed()) {
-      return hostkit_tool::RunRegQuery(key, std::cout, std::cerr);
-    }
+    return Run(argc, argv);
   } catch (const std::exception& e) {
     std::cerr << "hostkit: " << e.what() << "\n";
+  } catch (...) {
+    std::cerr << "hostkit: unexpected failure\n";
   }
   return 1;
 }

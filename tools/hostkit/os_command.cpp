@@ -81,12 +81,10 @@ int RunOs(std::ostream& out, std::ostream& /*err*/) {
   out << "release:       " << ReleaseText(os.Type()) << "\n";
   out << "edition:       " << EditionText(os.ExactType()) << "\n";
   out << "version:       "
-      << (major < 0 ? std::string("unknown")
-                    : std::to_string(major) + "." + std::to_string(minor))
+      << (major < 0 ? std::string("unknown") : std::to_string(major) + "." + std::to_string(minor))
       << "\n";
   out << "build:         " << NumberText(os.BuildNumber()) << "\n";
-  out << "service pack:  " << (os.IsWinNT() ? NumberText(os.NTSP()) : std::string("none"))
-      << "\n";
+  out << "service pack:  " << (os.IsWinNT() ? NumberText(os.NTSP()) : std::string("none")) << "\n";
   unsigned int language = 0;
   char languageName[16] = {};
   if (os.SystemDefaultLanguage(language, languageName)) {

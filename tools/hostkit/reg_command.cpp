@@ -41,10 +41,17 @@ bool ParseKeyName(const std::string& text, KeyName& key) {
 
 std::string TypeName(DWORD type) {
   static const char* const kNames[] = {
-      "REG_NONE",          "REG_SZ",        "REG_EXPAND_SZ",
-      "REG_BINARY",        "REG_DWORD",     "REG_DWORD_BIG_ENDIAN",
-      "REG_LINK",          "REG_MULTI_SZ",  "REG_RESOURCE_LIST",
-      "REG_FULL_RESOURCE_DESCRIPTOR",       "REG_RESOURCE_REQUIREMENTS_LIST",
+      "REG_NONE",
+      "REG_SZ",
+      "REG_EXPAND_SZ",
+      "REG_BINARY",
+      "REG_DWORD",
+      "REG_DWORD_BIG_ENDIAN",
+      "REG_LINK",
+      "REG_MULTI_SZ",
+      "REG_RESOURCE_LIST",
+      "REG_FULL_RESOURCE_DESCRIPTOR",
+      "REG_RESOURCE_REQUIREMENTS_LIST",
       "REG_QWORD",
   };
   if (type < sizeof kNames / sizeof kNames[0]) {
@@ -107,8 +114,8 @@ bool PrintValues(HKEY key, std::ostream& out) {
     if (result == ERROR_MORE_DATA && dataSize > data.size()) {
       data.resize(dataSize);
       nameSize = static_cast<DWORD>(name.size());
-      result = Hostkit::platform::RegEnumValueA(key, index, name.data(), &nameSize, nullptr,
-                                                &type, data.data(), &dataSize);
+      result = Hostkit::platform::RegEnumValueA(key, index, name.data(), &nameSize, nullptr, &type,
+                                                data.data(), &dataSize);
     }
     if (result == ERROR_NO_MORE_ITEMS) {
       return true;
@@ -116,8 +123,7 @@ bool PrintValues(HKEY key, std::ostream& out) {
     if (result != ERROR_SUCCESS) {
       return false;
     }
-    const std::string valueName =
-        nameSize == 0 ? "(Default)" : std::string(name.data(), nameSize);
+    const std::string valueName = nameSize == 0 ? "(Default)" : std::string(name.data(), nameSize);
     out << "    " << valueName << "    " << TypeName(type) << "    "
         << DataText(type, std::vector<BYTE>(data.begin(), data.begin() + dataSize)) << "\n";
   }
@@ -125,38 +131,38 @@ bool PrintValues(HKEY key, std::ostream& out) {
 
 }  // namespace
 
-int RunRegQuery(const std::string& text, std::ostream& out, std::ostream& err) {
-  KeyName key;
-  if (!ParseKeyName(text, key)) {
-    err << "hostkit: \"" << text << "\" does not start with a root key such as HKLM or "
+int RunRegQuery(const std::string& key, std::ostream& out, std::ostream& err) {
+  KeyName name;
+  if (!ParseKeyName(key, name)) {
+    err << "hostkit: \"" << key << "\" does not start with a root key such as HKLM or "
         << "HKEY_CURRENT_USER\n";
     return 1;
   }
   Hostkit::RegWiz registry;
-  if (!registry.DoesKeyExist(key.root, key.path.c_str())) {
-    err << "hostkit: key not found: " << key.full << "\n";
+  if (!registry.DoesKeyExist(name.root, name.path.c_str())) {
+    err << "hostkit: key not found: " << name.full << "\n";
     return 1;
   }
   HKEY open = nullptr;
   const LONG result =
-      Hostkit::platform::RegOpenKeyExA(key.root, key.path.c_str(), 0, KEY_READ, &open);
+      Hostkit::platform::RegOpenKeyExA(name.root, name.path.c_str(), 0, KEY_READ, &open);
   if (result != ERROR_SUCCESS) {
-    err << "hostkit: cannot open " << key.full << " (error " << result << ")\n";
+    err << "hostkit: cannot open " << name.full << " (error " << result << ")\n";
     return 1;
   }
-  out << key.full << "\n";
+  out << name.full << "\n";
   const bool valuesRead = PrintValues(open, out);
   Hostkit::platform::RegCloseKey(open);
   std::vector<std::string> subkeys;
-  if (!valuesRead || !registry.GetSubKeyNames(key.root, key.path.c_str(), subkeys)) {
-    err << "hostkit: cannot read " << key.full << "\n";
+  if (!valuesRead || !registry.GetSubKeyNames(name.root, name.path.c_str(), subkeys)) {
+    err << "hostkit: cannot read " << name.full << "\n";
     return 1;
   }
   if (!subkeys.empty()) {
     out << "\n";
   }
   for (const std::string& subkey : subkeys) {
-    out << key.full << "\\" << subkey << "\n";
+    out << name.full << "\\" << subkey << "\n";
   }
   return 0;
 }

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
-#include <optional>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <vector>
 
 #include "hostkit/sim/profile.h"
@@ -106,13 +106,20 @@ std::string ParseErrorText(const std::string& what) {
 }
 
 constexpr const char* kFields[] = {
-    "release",      "version",       "language",      "ansiCodePage",
-    "oemCodePage",  "computerName",  "environment",   "administrator",
-    "drives",       "modulePath",    "registry",
+    "release",     "version",       "language", "ansiCodePage", "oemCodePage", "computerName",
+    "environment", "administrator", "drives",   "modulePath",   "registry",
 };
 constexpr const char* kVersionFields[] = {
-    "major",     "minor",      "build",       "platform", "csd",     "servicePackMajor",
-    "servicePackMinor",        "suiteMask",   "productType",         "answers",
+    "major",
+    "minor",
+    "build",
+    "platform",
+    "csd",
+    "servicePackMajor",
+    "servicePackMinor",
+    "suiteMask",
+    "productType",
+    "answers",
     "acceptsExtended",
 };
 
@@ -125,8 +132,8 @@ class ProfileReader {
  public:
   ProfileReader(const std::string& text, const std::string& name) : text_(text), name_(name) {}
 
-  std::shared_ptr<Machine> Read(const RegistrySource& registry,
-                                const std::filesystem::path& folder, std::string& error);
+  std::shared_ptr<Machine> Read(const RegistrySource& registry, const std::filesystem::path& folder,
+                                std::string& error);
 
  private:
   bool Fail(const KeyPath& keys, const std::string& what) {
@@ -317,8 +324,7 @@ bool ProfileReader::ReadRegistry(const Json& value, const RegistrySource& regist
 }
 
 bool ProfileReader::ReadField(const std::string& key, const Json& value,
-                              const RegistrySource& registry,
-                              const std::filesystem::path& folder) {
+                              const RegistrySource& registry, const std::filesystem::path& folder) {
   MachineFacts& facts = machine_->facts();
   if (key == "version") {
     return ReadVersion(value);
@@ -385,8 +391,7 @@ std::shared_ptr<Machine> ProfileReader::Read(const RegistrySource& registry,
 
 }  // namespace
 
-std::shared_ptr<Machine> LoadMachineProfile(const std::filesystem::path& file,
-                                            std::string& error) {
+std::shared_ptr<Machine> LoadMachineProfile(const std::filesystem::path& file, std::string& error) {
   try {
     std::string text;
     if (!ReadWholeFile(file, text)) {

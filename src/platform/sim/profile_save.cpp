@@ -101,6 +101,10 @@ bool SaveMachineProfile(Machine& machine, const std::filesystem::path& file, std
         file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
     std::filesystem::path registryFile = file;
     registryFile.replace_extension(".reg");
+    if (registryFile == file) {
+      error = file.string() + ": a profile cannot be saved under the name of its registry file";
+      return false;
+    }
 
     OrderedJson json;
     std::string what;

@@ -211,15 +211,13 @@ bool RegistryStore::isWin9x() const { return owner_.isWin9x(); }
 
 std::shared_ptr<RegistryNode> RegistryStore::viewTarget(HKEY key) {
   std::shared_ptr<RegistryNode> node;
-  std::u16string_view path;
-  std::u16string user;
+  std::u16string path;
   if (key == HKEY_CLASSES_ROOT) {
     node = localMachine_;
     path = u"SOFTWARE\\Classes";
   } else if (key == HKEY_CURRENT_USER) {
     node = users_;
-    user = currentUserKey_.empty() ? DefaultUserKey(isWin9x()) : currentUserKey_;
-    path = user;
+    path = currentUserKey_.empty() ? DefaultUserKey(isWin9x()) : currentUserKey_;
   } else {
     node = localMachine_;
     path = isWin9x() ? u"Config\\0001" : u"SYSTEM\\CurrentControlSet\\Hardware Profiles\\Current";
@@ -235,7 +233,7 @@ LONG RegistryStore::resolve(HKEY key, CharWidth width, OpenKey& out) {
   if (width == CharWidth::Wide && isWin9x()) {
     return ERROR_CALL_NOT_IMPLEMENTED;
   }
-  out = OpenKey{nullptr, GrantedRights(KEY_ALL_ACCESS), true};
+  out = OpenKey{nullptr, KEY_ALL_ACCESS, true};
   if (key == HKEY_LOCAL_MACHINE) {
     out.node = localMachine_;
   } else if (key == HKEY_USERS) {
