@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages the build and the tests need. Only missing packages are
-# installed, so running it again changes nothing.
+# Installs the Debian 12 packages the build and the tests need; with --windows also those of the
+# Windows leg (mingw-w64 and Wine). Only missing packages are installed, so running it again
+# changes nothing.
 set -euo pipefail
 
 packages=(
@@ -8,6 +9,10 @@ packages=(
   libboost1.81-dev libgtest-dev libgmock-dev nlohmann-json3-dev libcli11-dev libbenchmark-dev
   clang-format clang-tidy
 )
+
+if [[ "${1:-}" == "--windows" ]]; then
+  packages+=(g++-mingw-w64-x86-64-posix wine wine64 googletest)
+fi
 
 missing=()
 for package in "${packages[@]}"; do

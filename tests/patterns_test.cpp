@@ -72,12 +72,12 @@ TEST(RegExpMatch, NullArgumentsNeverMatch) {
 }
 
 TEST(RegExpMatch, WideTextIsMatchedCodeUnitForCodeUnit) {
-  EXPECT_TRUE(RegExpMatch(u"caf\u00E9", u"le caf\u00E9 noir"));
-  EXPECT_FALSE(RegExpMatch(u"^caf\u00E9$", u"caf\u00C9"));
+  EXPECT_TRUE(RegExpMatch(HK_WIDE("caf\u00E9"), HK_WIDE("le caf\u00E9 noir")));
+  EXPECT_FALSE(RegExpMatch(HK_WIDE("^caf\u00E9$"), HK_WIDE("caf\u00C9")));
   // A character outside the basic plane is two UTF-16 units, and "." takes one unit.
-  const WCHAR* emoji = u"\U0001F600";
-  EXPECT_FALSE(RegExpMatch(u"^.$", emoji));
-  EXPECT_TRUE(RegExpMatch(u"^..$", emoji));
+  const WCHAR* emoji = HK_WIDE("\U0001F600");
+  EXPECT_FALSE(RegExpMatch(HK_WIDE("^.$"), emoji));
+  EXPECT_TRUE(RegExpMatch(HK_WIDE("^..$"), emoji));
 }
 
 bool FinishesWithin(std::chrono::seconds limit, std::function<bool()> call, bool& result) {

@@ -134,11 +134,32 @@ LONG QueryValue(HKEY key, const Char* name, const DWORD* reserved, DWORD* type, 
   });
 }
 
+// The size a string value is stored with. The NT family counts a terminator the caller left out
+// of the size when one follows the data, reading one character past it; Windows 9x ignores the
+// size of a REG_SZ and stores the text up to its first zero, with that zero. Other string types
+// are stored as given on Windows 9x. (Wine does the same, release for release.)
+template <class Char>
+DWORD SizeWithForgottenTerminator(const BYTE* data, DWORD size) {
+  const auto* text = reinterpret_cast<const Char*>(data);
+  const DWORD units = size / sizeof(Char);
+  if (units > 0 && text[units - 1] != Char{0} && text[units] == Char{0}) {
+    return size + sizeof(Char);
+  }
+  return size;
+}
+
 template <class Char>
 LONG SetValue(HKEY key, const Char* name, DWORD type, const BYTE* data, DWORD size) {
   return OnActiveMachine<Char>([&](sim::Machine& machine) {
     if (data == nullptr && size != 0) {
       return ERROR_INVALID_PARAMETER;
+    }
+    if (data != nullptr && machine.isWin9x() && type == REG_SZ) {
+      size = static_cast<DWORD>(
+                 std::char_traits<Char>::length(reinterpret_cast<const Char*>(data)) + 1) *
+             sizeof(Char);
+    } else if (data != nullptr && !machine.isWin9x() && sim::IsStringType(type)) {
+      size = SizeWithForgottenTerminator<Char>(data, size);
     }
     return machine.registry().setValue(key, StoreName(machine, name), type, data, size,
                                        kWidth<Char>);

@@ -288,6 +288,11 @@ LONG RegistryStore::openKey(HKEY key, std::u16string_view subKey, REGSAM access,
   if (!parts) {
     return ERROR_BAD_PATHNAME;
   }
+  // A predefined key opened with no subkey answers itself, as Windows documents.
+  if (parts->empty() && base.predefined) {
+    *result = key;
+    return ERROR_SUCCESS;
+  }
   auto node = base.node;
   for (const auto part : *parts) {
     node = FindChild(*node, part);
@@ -309,6 +314,10 @@ LONG RegistryStore::createKey(HKEY key, std::u16string_view subKey, REGSAM acces
   OpenKey base;
   if (const LONG status = resolve(key, width, base); status != ERROR_SUCCESS) {
     return status;
+  }
+  // Windows 9x creates a key below a leading separator that opening refuses.
+  if (isWin9x() && subKey.starts_with(u'\\')) {
+    subKey.remove_prefix(1);
   }
   const auto parts = SplitPath(subKey);
   if (!parts) {

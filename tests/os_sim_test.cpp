@@ -1,7 +1,5 @@
 // OS: release from the version record, versions and service packs, build number, language,
 // startup programs, the administrator test, restart and shutdown.
-#include "hostkit/os.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -9,13 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "hostkit/os.h"
 #include "hostkit/regwiz.h"
 #include "hostkit/sim/machine.h"
 #include "platform/handles.h"
 #include "platform/security.h"
 #include "platform/system_info.h"
 #include "sim_drives.h"
-#include "support/test_machine.h"
+#include "support/sim_machine.h"
 
 namespace Hostkit {
 namespace {

@@ -7,7 +7,7 @@
 #include "hostkit/sim/machine.h"
 #include "platform/system_info.h"
 #include "platform/text.h"
-#include "support/test_machine.h"
+#include "support/sim_machine.h"
 
 namespace Hostkit::platform {
 namespace {

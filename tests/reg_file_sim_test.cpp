@@ -1,8 +1,6 @@
 // Registry files: both formats read into the same registry, the writer's output reads back
 // into an identical tree, and malformed files are refused with their file and line before
 // anything changes.
-#include "foundation/reg_file.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -13,10 +11,11 @@
 #include <string>
 #include <vector>
 
+#include "foundation/reg_file.h"
 #include "hostkit/sim/profile.h"
 #include "platform/registry.h"
 #include "platform/sim/registry_store.h"
-#include "support/test_machine.h"
+#include "support/sim_machine.h"
 
 namespace Hostkit::regfile {
 namespace {

@@ -1,13 +1,12 @@
 // Text conversions between the ANSI code page, ASCII and UTF-16; the version; FileExists.
-#include "hostkit/strings.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "hostkit/sim/machine.h"
+#include "hostkit/strings.h"
 #include "sim_drives.h"
-#include "support/test_machine.h"
+#include "support/sim_machine.h"
 
 namespace Hostkit {
 namespace {

@@ -17,7 +17,7 @@
 #include "platform/sync.h"
 #include "platform/system_info.h"
 #include "sim_drives.h"
-#include "support/test_machine.h"
+#include "support/sim_machine.h"
 
 namespace Hostkit::platform {
 namespace {

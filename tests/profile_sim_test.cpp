@@ -1,8 +1,6 @@
 // Machine profiles: the fixtures load into the machines they describe, a saved machine loads
 // again into an equal one, and every kind of mistake in a profile or in a registry file it
 // names is reported as one line naming the file and line at fault.
-#include "hostkit/sim/profile.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -14,6 +12,7 @@
 
 #include "hostkit/os.h"
 #include "hostkit/regwiz.h"
+#include "hostkit/sim/profile.h"
 #include "platform/registry.h"
 #include "platform/sim/registry_store.h"
 
