@@ -3,7 +3,8 @@
 # (build-win/), then runs the test program under Wine once for each Windows release Wine
 # emulates, in a Wine prefix of its own inside the build tree. Prints one line per release:
 #   win98: 212 passed, 0 failed, 9 skipped
-# and fails when any release has a failing test.
+# and fails when any release has a failing test. It also checks the DLL's exports and runs a
+# program built against the installed headers and import library (scripts/check-consumer.sh).
 # HOSTKIT_JOBS sets the number of parallel build jobs (default 2).
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -43,6 +44,9 @@ for release in win95 win98 winme nt40 win2k winxp; do
   summary+=("$line")
 done
 wine reg add 'HKCU\Software\Wine' /v Version /d winxp /f >/dev/null 2>&1
+
+# A program outside the library, linked against the import library only.
+bash scripts/check-consumer.sh || failed=1
 wineserver --wait
 
 printf '%s\n' "${summary[@]}"

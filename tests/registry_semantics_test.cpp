@@ -19,7 +19,6 @@ namespace {
 
 using namespace hostkit_test::registry_probe;
 using hostkit_test::PerRelease;
-using hostkit_test::Release;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using namespace std::string_literals;

@@ -146,8 +146,13 @@ class Applier {
     if (result != ERROR_SUCCESS) {
       return result;
     }
-    return registry::Calls<Ch>::Set(key_, name.c_str(), op.type, data.data(),
-                                    static_cast<DWORD>(data.size()));
+    const auto size = static_cast<DWORD>(data.size());
+    // What follows the data decides how a string is stored. The NT family (wide calls) reads
+    // one character past it and counts it as a forgotten terminator when it is zero, so a
+    // character that is not zero keeps the stored bytes exactly those of the file. Windows 9x
+    // (narrow calls) stores a REG_SZ up to its first zero, so there a zero must follow.
+    data.insert(data.end(), sizeof(Ch), sizeof(Ch) == 1 ? BYTE{0} : BYTE{0xFF});
+    return registry::Calls<Ch>::Set(key_, name.c_str(), op.type, data.data(), size);
   }
 
   LONG DeleteValue(const Operation& op) {

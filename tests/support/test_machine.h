@@ -48,11 +48,11 @@ class PerRelease : public testing::TestWithParam<Release> {
 };
 
 // Skips the current test under Wine, naming what Wine does differently or lacks.
-#define HOSTKIT_SKIP_ON_WINE(reason)                \
-  do {                                              \
-    if (::hostkit_test::OnRealWindows()) {          \
-      GTEST_SKIP() << "not under Wine: " << reason; \
-    }                                               \
+#define HOSTKIT_SKIP_ON_WINE(reason)                  \
+  do {                                                \
+    if (::hostkit_test::OnRealWindows()) {            \
+      GTEST_SKIP() << "not under Wine: " << (reason); \
+    }                                                 \
   } while (false)
 
 }  // namespace hostkit_test
