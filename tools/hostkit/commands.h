@@ -2,8 +2,12 @@
 // and returns the process exit code (0 or 1).
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <string>
+#include <vector>
+
+#include "hostkit/win_types.h"
 
 namespace hostkit_tool {
 
@@ -18,5 +22,32 @@ int RunOs(std::ostream& out, std::ostream& err);
 // `hostkit reg query KEY`: the values (name, type, data) and subkeys of KEY, written
 // "ROOT\path" with ROOT a root key's long or short name.
 int RunRegQuery(const std::string& key, std::ostream& out, std::ostream& err);
+
+// `hostkit proxy ...` and `hostkit ie ...`: the current user's browser settings, read and
+// changed on the loaded machine through the library's ConfigureIE.
+int RunProxyShow(std::ostream& out, std::ostream& err);
+// `args`: HOST PORT for the one proxy of every protocol, PROTOCOL HOST PORT for one protocol.
+int RunProxySet(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+// An empty `protocol` clears the one proxy of every protocol.
+int RunProxyClear(const std::string& protocol, std::ostream& out, std::ostream& err);
+// Sets the exception list (when `list` is given or `local` is empty), then switches local
+// bypass when `local` is "on" or "off".
+int RunProxyExceptions(const std::vector<std::string>& list, const std::string& local,
+                       std::ostream& out, std::ostream& err);
+int RunIeShow(std::ostream& out, std::ostream& err);
+int RunIeHomePage(const std::string& url, std::ostream& out, std::ostream& err);
+int RunIeWizardOff(std::ostream& out, std::ostream& err);
+
+// `hostkit backup KEY... -o FILE`: the keys, with their values and subkeys, saved by the
+// library's RegistryBackup into FILE in the format of the machine's release.
+int RunBackup(const std::vector<std::string>& keys, const std::string& file, std::ostream& out,
+              std::ostream& err);
+
+// Calls `write` with the Windows path under which the library writes the host file
+// `hostFile`. On Windows that is the file itself; the simulated build lets the library write on
+// a temporary drive C: of its machine and copies the result to `hostFile`. False with `error`
+// set when `write` or the copy fails.
+bool WriteHostFile(const std::string& hostFile,
+                   const std::function<bool(const Hostkit::wstring&)>& write, std::string& error);
 
 }  // namespace hostkit_tool

@@ -1,6 +1,8 @@
 // The machine of the simulated build: a profile from a file, or the embedded default machine.
+#include <filesystem>
 #include <map>
 #include <memory>
+#include <random>
 
 #include "commands.h"
 #include "embedded_files.h"
@@ -45,6 +47,43 @@ bool UseMachine(const std::string& file, std::string& error) {
   }
   Hostkit::sim::ActivateMachine(std::move(machine));
   return true;
+}
+
+}  // namespace hostkit_tool
+
+namespace hostkit_tool {
+
+bool WriteHostFile(const std::string& hostFile,
+                   const std::function<bool(const Hostkit::wstring&)>& write, std::string& error) {
+  namespace fs = std::filesystem;
+  std::error_code failure;
+  fs::path drives = fs::temp_directory_path(failure) / "hostkit-output";
+  drives += std::to_string(std::random_device()());
+  fs::create_directories(drives / "c", failure);
+  if (failure) {
+    error = failure.message();
+    return false;
+  }
+  auto machine = Hostkit::sim::ActiveMachine();
+  if (!machine) {
+    error = "no machine is active";
+    return false;
+  }
+  const fs::path previous = machine->facts().driveRoot;
+  machine->facts().driveRoot = drives;
+  const bool written = write(HK_WIDE("C:\\output.reg"));
+  machine->facts().driveRoot = previous;
+  if (!written) {
+    error = "the library could not open the file";
+  } else {
+    fs::copy_file(drives / "c" / "output.reg", hostFile, fs::copy_options::overwrite_existing,
+                  failure);
+    if (failure) {
+      error = failure.message();
+    }
+  }
+  fs::remove_all(drives, failure);
+  return written && error.empty();
 }
 
 }  // namespace hostkit_tool

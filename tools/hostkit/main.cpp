@@ -3,6 +3,7 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "commands.h"
 
@@ -21,6 +22,38 @@ int Run(int argc, char** argv) {
   std::string key;
   query->add_option("KEY", key, "the key, e.g. HKLM\\SOFTWARE\\Microsoft")->required();
 
+  CLI::App* proxy = app.add_subcommand("proxy", "the current user's browser proxies");
+  proxy->require_subcommand(1);
+  CLI::App* proxyShow = proxy->add_subcommand("show", "the proxy list, exceptions and script");
+  CLI::App* proxySet = proxy->add_subcommand("set", "set the proxy: [PROTOCOL] HOST PORT");
+  std::vector<std::string> proxyArgs;
+  proxySet->add_option("ARGS", proxyArgs, "[http|https|ftp|gopher|socks] HOST PORT")->required();
+  CLI::App* proxyClear = proxy->add_subcommand("clear", "clear the proxy or one protocol's entry");
+  std::string proxyProtocol;
+  proxyClear->add_option("PROTOCOL", proxyProtocol, "http, https, ftp, gopher or socks");
+  CLI::App* proxyExceptions =
+      proxy->add_subcommand("exceptions", "set the hosts that bypass the proxy");
+  std::vector<std::string> exceptionList;
+  std::string localBypass;
+  proxyExceptions->add_option("HOSTS", exceptionList, "hosts; none clears the list");
+  proxyExceptions->add_option("--local", localBypass, "on or off: bypass for local addresses");
+  CLI::App* ie = app.add_subcommand("ie", "Internet Explorer: presence, version, home page");
+  ie->require_subcommand(1);
+  CLI::App* ieShow = ie->add_subcommand("show", "presence, version, program path, home page");
+  CLI::App* ieHomePage = ie->add_subcommand("homepage", "set the current user's home page");
+  std::string homePage;
+  ieHomePage->add_option("URL", homePage, "the start page")->required();
+  CLI::App* ieWizard = ie->add_subcommand("wizard", "the Internet Connection Wizard");
+  std::string wizardState;
+  ieWizard->add_option("STATE", wizardState, "off: mark it completed")
+      ->required()
+      ->check(CLI::IsMember({"off"}));
+  CLI::App* backup = app.add_subcommand("backup", "save registry keys to a .reg file");
+  std::vector<std::string> backupKeys;
+  std::string backupFile;
+  backup->add_option("KEY", backupKeys, "keys to save, e.g. HKCU\\Software\\Vendor")->required();
+  backup->add_option("-o,--output", backupFile, "the .reg file to write")->required();
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -37,6 +70,30 @@ int Run(int argc, char** argv) {
   }
   if (query->parsed()) {
     return hostkit_tool::RunRegQuery(key, std::cout, std::cerr);
+  }
+  if (proxyShow->parsed()) {
+    return hostkit_tool::RunProxyShow(std::cout, std::cerr);
+  }
+  if (proxySet->parsed()) {
+    return hostkit_tool::RunProxySet(proxyArgs, std::cout, std::cerr);
+  }
+  if (proxyClear->parsed()) {
+    return hostkit_tool::RunProxyClear(proxyProtocol, std::cout, std::cerr);
+  }
+  if (proxyExceptions->parsed()) {
+    return hostkit_tool::RunProxyExceptions(exceptionList, localBypass, std::cout, std::cerr);
+  }
+  if (ieShow->parsed()) {
+    return hostkit_tool::RunIeShow(std::cout, std::cerr);
+  }
+  if (ieHomePage->parsed()) {
+    return hostkit_tool::RunIeHomePage(homePage, std::cout, std::cerr);
+  }
+  if (ieWizard->parsed()) {
+    return hostkit_tool::RunIeWizardOff(std::cout, std::cerr);
+  }
+  if (backup->parsed()) {
+    return hostkit_tool::RunBackup(backupKeys, backupFile, std::cout, std::cerr);
   }
   return 1;
 }

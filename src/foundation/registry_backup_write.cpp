@@ -1,0 +1,285 @@
+// The registry file RegistryBackup writes. One writer serves both formats: REGEDIT4 reads the
+// registry with the narrow calls and writes ANSI bytes; version 5.00 reads it with the wide
+// calls and writes UTF-16 LE, its fixed text (brackets, root names, type prefixes, digits,
+// line ends) converted from the OEM code page piece by piece.
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "foundation/reg_file.h"
+#include "foundation/registry_backup_impl.h"
+#include "foundation/registry_calls.h"
+#include "hostkit/strings.h"
+#include "platform/text.h"
+
+namespace Hostkit::backup {
+
+namespace {
+
+// Buffer size, in characters, for value and subkey names and for one converted text piece.
+constexpr DWORD kNameBuffer = 259;
+constexpr int kPieceBuffer = 260;
+// A byte list continues on a new line once a line has reached this column.
+constexpr int kWrapColumn = 78;
+
+class Output {
+ public:
+  Output(std::FILE* file, bool unicode) : file_(file), unicode_(unicode) {}
+
+  void Bytes(const void* data, size_t size) { std::fwrite(data, 1, size, file_); }
+
+  // Text of the writer itself: as it is in REGEDIT4, converted from the OEM code page in
+  // pieces that fit the conversion buffer in version 5.00.
+  void Text(std::string_view text) {
+    if (!unicode_) {
+      Bytes(text.data(), text.size());
+      return;
+    }
+    while (!text.empty()) {
+      const std::string_view piece = text.substr(0, kPieceBuffer - 1);
+      text.remove_prefix(piece.size());
+      WCHAR units[kPieceBuffer];
+      const int count = platform::MultiByteToWideChar(
+          CP_OEMCP, 0, piece.data(), static_cast<int>(piece.size()), units, kPieceBuffer);
+      Units(std::basic_string_view<WCHAR>(units, count > 0 ? static_cast<size_t>(count) : 0));
+    }
+  }
+
+  // Text read from the registry: ANSI bytes as they are, or UTF-16 units as LE byte pairs.
+  void Registry(std::string_view text) { Bytes(text.data(), text.size()); }
+  void Registry(std::basic_string_view<WCHAR> text) { Units(text); }
+
+ private:
+  void Units(std::basic_string_view<WCHAR> text) {
+    std::string bytes;
+    bytes.reserve(text.size() * 2);
+    for (const WCHAR unit : text) {
+      bytes.push_back(static_cast<char>(static_cast<unsigned>(unit) & 0xFF));
+      bytes.push_back(static_cast<char>((static_cast<unsigned>(unit) >> 8) & 0xFF));
+    }
+    Bytes(bytes.data(), bytes.size());
+  }
+
+  std::FILE* file_;
+  bool unicode_;
+};
+
+std::string Hex2(unsigned value) {
+  static const char kDigits[] = "0123456789abcdef";
+  return {kDigits[(value >> 4) & 0xF], kDigits[value & 0xF]};
+}
+
+// "hex:", "hex(2):", ..., the type in lower-case hexadecimal for the types without a name.
+std::string HexPrefix(DWORD type) {
+  if (type == REG_BINARY) {
+    return "hex:";
+  }
+  char text[24];
+  std::snprintf(text, sizeof text, "hex(%lx):", static_cast<unsigned long>(type));
+  return text;
+}
+
+// Whether `path` is `expected` without regard to ASCII case.
+template <class Ch>
+bool SameAsciiPath(const std::basic_string<Ch>& path, std::string_view expected) {
+  auto lower = [](unsigned c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; };
+  return path.size() == expected.size() &&
+         std::equal(path.begin(), path.end(), expected.begin(), [&](Ch a, char b) {
+           return lower(static_cast<unsigned>(a)) ==
+                  lower(static_cast<unsigned>(static_cast<unsigned char>(b)));
+         });
+}
+
+template <class Ch>
+class KeyWriter {
+ public:
+  using String = std::basic_string<Ch>;
+
+  KeyWriter(Output& out, const FileFormat& format) : out_(out), format_(format) {}
+
+  // The key line, the values, an empty line, then each subkey the same way.
+  void Write(HKEY root, const std::string& rootName, const String& path) {
+    const registry::OpenKey<Ch> key(root, path.c_str(), KEY_READ);
+    if (!key.ok()) {
+      return;
+    }
+    out_.Text("[" + rootName);
+    if (!path.empty()) {
+      out_.Text("\\");
+      out_.Registry(path);
+    }
+    out_.Text("]\r\n");
+    if (!(format_.skipPerflibText &&
+          SameAsciiPath(path, "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Perflib\\009"))) {
+      WriteValues(key.get());
+    }
+    out_.Text("\r\n");
+    for (DWORD index = 0;; ++index) {
+      Ch name[kNameBuffer];
+      DWORD size = kNameBuffer;
+      if (registry::Calls<Ch>::EnumKey(key.get(), index, name, &size) != ERROR_SUCCESS) {
+        break;
+      }
+      String child = path;
+      if (!child.empty()) {
+        child.push_back(static_cast<Ch>('\\'));
+      }
+      child.append(name, size);
+      Write(root, rootName, child);
+    }
+  }
+
+ private:
+  void WriteValues(HKEY key) {
+    for (DWORD index = 0;; ++index) {
+      Ch nameBuffer[kNameBuffer];
+      DWORD nameSize = kNameBuffer;
+      if (registry::Calls<Ch>::EnumValueName(key, index, nameBuffer, &nameSize) != ERROR_SUCCESS) {
+        return;
+      }
+      const String name(nameBuffer, nameSize);
+      DWORD type = REG_NONE;
+      DWORD size = 0;
+      if (registry::Calls<Ch>::Query(key, name.c_str(), &type, nullptr, &size) != ERROR_SUCCESS) {
+        return;
+      }
+      // One spare byte as the registry expects, and never fewer than a DWORD's four.
+      std::vector<BYTE> data(std::max<size_t>(size + size_t{1}, 4), 0);
+      DWORD read = size + 1;
+      if (registry::Calls<Ch>::Query(key, name.c_str(), &type, data.data(), &read) !=
+          ERROR_SUCCESS) {
+        return;
+      }
+      WriteValue(name, type, data, std::min<size_t>(read, data.size()));
+    }
+  }
+
+  // `text` with "\" and the double quote escaped, and CR and LF too when `lineBreaks` is set.
+  static String Escaped(const String& text, bool lineBreaks) {
+    String escaped;
+    for (const Ch c : text) {
+      if (c == static_cast<Ch>('\\') || c == static_cast<Ch>('"')) {
+        escaped.push_back(static_cast<Ch>('\\'));
+        escaped.push_back(c);
+      } else if (lineBreaks && c == static_cast<Ch>('\r')) {
+        escaped.push_back(static_cast<Ch>('\\'));
+        escaped.push_back(static_cast<Ch>('r'));
+      } else if (lineBreaks && c == static_cast<Ch>('\n')) {
+        escaped.push_back(static_cast<Ch>('\\'));
+        escaped.push_back(static_cast<Ch>('n'));
+      } else {
+        escaped.push_back(c);
+      }
+    }
+    return escaped;
+  }
+
+  // A string value's text: up to its first zero and at most its stored size.
+  static String StoredText(const std::vector<BYTE>& data, size_t size) {
+    String text;
+    for (size_t at = 0; at + sizeof(Ch) <= size; at += sizeof(Ch)) {
+      unsigned unit = data[at];
+      if constexpr (sizeof(Ch) == 2) {
+        unit |= static_cast<unsigned>(data[at + 1]) << 8;
+      }
+      if (unit == 0) {
+        break;
+      }
+      text.push_back(static_cast<Ch>(unit));
+    }
+    return text;
+  }
+
+  void WriteValue(const String& name, DWORD type, const std::vector<BYTE>& data, size_t size) {
+    size_t column = 1;
+    if (name.empty()) {
+      out_.Text("@");
+    } else {
+      const String escaped = Escaped(name, false);
+      out_.Text("\"");
+      out_.Registry(escaped);
+      out_.Text("\"");
+      column = escaped.size() + 2;
+    }
+    out_.Text("=");
+    ++column;
+    switch (type) {
+      case REG_SZ: {
+        // REGEDIT4 escapes line breaks except on Windows 95; version 5.00 keeps them.
+        const bool lineBreaks = sizeof(Ch) == 1 && !format_.rawLineBreaks;
+        out_.Text("\"");
+        out_.Registry(Escaped(StoredText(data, size), lineBreaks));
+        out_.Text("\"");
+        break;
+      }
+      case REG_DWORD:
+        out_.Text("dword:" + Hex2(data[3]) + Hex2(data[2]) + Hex2(data[1]) + Hex2(data[0]));
+        break;
+      case REG_DWORD_BIG_ENDIAN:
+        out_.Text("dword:" + Hex2(data[0]) + Hex2(data[1]) + Hex2(data[2]) + Hex2(data[3]));
+        break;
+      case REG_LINK:
+        break;
+      default: {
+        const std::string prefix = HexPrefix(type);
+        out_.Text(prefix);
+        WriteByteList(data, size, column + prefix.size() + 1);
+        break;
+      }
+    }
+    out_.Text("\r\n");
+  }
+
+  // The bytes as comma-separated hex pairs, continued on a new line (after a comma and a
+  // backslash) once the line reaches the wrap column.
+  void WriteByteList(const std::vector<BYTE>& data, size_t size, size_t column) {
+    std::string list;
+    for (size_t i = 0; i < size; ++i) {
+      if (i > 0) {
+        list += ',';
+        if (column >= kWrapColumn) {
+          list += "\\\r\n  ";
+          column = 3;
+        }
+      }
+      list += Hex2(data[i]);
+      column += 3;
+    }
+    out_.Text(list);
+  }
+
+  Output& out_;
+  const FileFormat& format_;
+};
+
+}  // namespace
+
+void WriteRegistryFile(std::FILE* file, const FileFormat& format,
+                       const std::vector<RegistryBackupKey>& keys) {
+  Output out(file, format.unicode);
+  if (format.unicode) {
+    out.Bytes("\xFF\xFE", 2);
+    out.Text("Windows Registry Editor Version 5.00\r\n\r\n");
+  } else {
+    out.Text("REGEDIT4\r\n\r\n");
+  }
+  for (const RegistryBackupKey& key : keys) {
+    // Only the predefined roots have a name a registry file can carry.
+    const std::string rootName = regfile::RootName(key.root);
+    if (rootName.empty()) {
+      continue;
+    }
+    if (format.unicode) {
+      KeyWriter<WCHAR>(out, format).Write(key.root, rootName, key.path);
+    } else {
+      std::string path;
+      if (ConvertUnicodeToANSI(key.path, path)) {
+        KeyWriter<char>(out, format).Write(key.root, rootName, path);
+      }
+    }
+  }
+}
+
+}  // namespace Hostkit::backup
