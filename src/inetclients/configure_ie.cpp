@@ -38,20 +38,30 @@ bool ConfigureIE::UseProxyServer(const wstring& server, int port) {
   return Forward(impl_, false,
                  [&](ConfigureIE_impl& impl) { return impl.UseProxyServer(server, port); });
 }
+// The interface takes the server by value.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool ConfigureIE::UseHTTPProxyServer(wstring server, int port) {
-  return UseProtocol(impl_, HK_WIDE("http"), std::move(server), port);
+  return UseProtocol(impl_, HK_WIDE("http"), server, port);
 }
+// The interface takes the server by value.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool ConfigureIE::UseHTTPSProxyServer(wstring server, int port) {
-  return UseProtocol(impl_, HK_WIDE("https"), std::move(server), port);
+  return UseProtocol(impl_, HK_WIDE("https"), server, port);
 }
+// The interface takes the server by value.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool ConfigureIE::UseFTPProxyServer(wstring server, int port) {
-  return UseProtocol(impl_, HK_WIDE("ftp"), std::move(server), port);
+  return UseProtocol(impl_, HK_WIDE("ftp"), server, port);
 }
+// The interface takes the server by value.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool ConfigureIE::UseGopherProxyServer(wstring server, int port) {
-  return UseProtocol(impl_, HK_WIDE("gopher"), std::move(server), port);
+  return UseProtocol(impl_, HK_WIDE("gopher"), server, port);
 }
+// The interface takes the server by value.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool ConfigureIE::UseSocksProxyServer(wstring server, int port) {
-  return UseProtocol(impl_, HK_WIDE("socks"), std::move(server), port);
+  return UseProtocol(impl_, HK_WIDE("socks"), server, port);
 }
 bool ConfigureIE::GetHTTPProxyServer(wstring& server, int& port) {
   return GetProtocol(impl_, HK_WIDE("http"), server, port);
