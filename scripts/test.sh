@@ -12,6 +12,11 @@ bash scripts/lint.sh
 bash scripts/build.sh
 ctest --test-dir build --output-on-failure -j "$jobs"
 
+# The benchmarks build and run once, as a smoke test: they measure and never judge a time.
+cmake -S . -B build -DHOSTKIT_BUILD_BENCH=ON >/dev/null
+cmake --build build -j "$jobs" --target hostkit_bench
+build/bench/hostkit_bench --benchmark_min_time=0.01
+
 cmake -S . -B build-asan -G Ninja -DHOSTKIT_SANITIZE=ON
 cmake --build build-asan -j "$jobs"
 ctest --test-dir build-asan --output-on-failure -j "$jobs"

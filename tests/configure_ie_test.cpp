@@ -56,7 +56,6 @@ const Protocol kProtocols[] = {
 };
 const Protocol& kHttp = kProtocols[0];
 const Protocol& kFtp = kProtocols[2];
-const Protocol& kSocks = kProtocols[4];
 
 class IEProxy : public PerRelease {
  protected:
@@ -131,85 +130,68 @@ TEST_P(IEProxy, SingleProxyIsSetAndClearedAndNeverReadAsAProtocolEntry) {
   EXPECT_TRUE(ie_.UseProxyServer(W(""), 0)) << "clearing an absent proxy";
 }
 
-TEST_P(IEProxy, EntriesAreAddedReadAndRemoved) {
+TEST_P(IEProxy, EveryProtocolRoundTripsInTheSharedList) {
   EXPECT_TRUE(Use(kHttp, "", 0)) << "removing from an absent list writes nothing";
   EXPECT_EQ(Setting("ProxyServer"), "(none)");
   EXPECT_EQ(ProxyEnable(), -1);
-
-  ASSERT_TRUE(Use(kHttp, "proxy", 8080));
-  EXPECT_EQ(Setting("ProxyServer"), "http=proxy:8080");
+  // Each entry is appended; each reads back whatever else the list holds.
+  std::vector<std::string> entries;
+  const auto joined = [&](std::size_t from) {
+    std::string text;
+    for (std::size_t i = from; i < entries.size(); ++i) {
+      text += (i == from ? "" : ";") + entries[i];
+    }
+    return text;
+  };
+  for (const Protocol& protocol : kProtocols) {
+    const int port = static_cast<int>(entries.size()) + 1;
+    const std::string host = std::string(protocol.keyword) + ".example";
+    ASSERT_TRUE(Use(protocol, host, port));
+    entries.push_back(protocol.keyword + ("=" + host + ":" + std::to_string(port)));
+    EXPECT_EQ(Setting("ProxyServer"), joined(0));
+    EXPECT_EQ(ProxyEnable(), 1);
+  }
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    EXPECT_EQ(Get(kProtocols[i]), entries[i].substr(entries[i].find('=') + 1));
+  }
+  // Removing from the front each time takes exactly one entry; the proxy stays switched on.
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    ASSERT_TRUE(Use(kProtocols[i], "", 0));
+    EXPECT_EQ(Get(kProtocols[i]), "(none)") << kProtocols[i].keyword;
+    EXPECT_EQ(Setting("ProxyServer"), joined(i + 1));
+  }
   EXPECT_EQ(ProxyEnable(), 1);
-  ASSERT_TRUE(Use(kFtp, "f", 21));
-  EXPECT_EQ(Setting("ProxyServer"), "http=proxy:8080;ftp=f:21");
-  EXPECT_EQ(Get(kHttp), "proxy:8080");
-  EXPECT_EQ(Get(kFtp), "f:21");
-  EXPECT_EQ(Get(kSocks), "(none)");
-
-  ASSERT_TRUE(Use(kHttp, "", 0));
-  EXPECT_EQ(Setting("ProxyServer"), "ftp=f:21");
-  ASSERT_TRUE(Use(kFtp, "", 0));
-  EXPECT_EQ(Setting("ProxyServer"), "");
-  EXPECT_EQ(ProxyEnable(), 1) << "removing the last entry leaves the proxy switched on";
 }
 
-TEST_P(IEProxy, RemovingALaterEntryErasesAsFarAsTheEntryEndsFromTheStart) {
-  SetSetting("ProxyServer", "http=a:1;ftp=b:2;socks=c:3");
-  ASSERT_TRUE(Use(kFtp, "", 0));
-  EXPECT_EQ(Setting("ProxyServer"), "http=a:1;3");
-  // A trailing separator left behind is dropped.
-  SetSetting("ProxyServer", "http=a:1;ftp=b:2;");
-  ASSERT_TRUE(Use(kFtp, "", 0));
-  EXPECT_EQ(Setting("ProxyServer"), "http=a:1");
-}
-
-TEST_P(IEProxy, ReplacingAnEntryLeavesItsSeparatorAndAppendsTheNewOne) {
-  SetSetting("ProxyServer", "http=a:1;ftp=b:2");
-  ASSERT_TRUE(Use(kHttp, "c", 3));
-  EXPECT_EQ(Setting("ProxyServer"), ";ftp=b:2http=c:3");
-  EXPECT_EQ(ProxyEnable(), 1);
+TEST_P(IEProxy, ListSurgeryOnExistingText) {
+  // Removing a later entry erases from the list's start as far as the entry ends, dropping a
+  // separator left trailing; replacing leaves the old separator and appends; keywords match
+  // with case; the single-proxy form stays first.
+  const struct {
+    const char* before;
+    const Protocol& protocol;
+    const char* server;
+    int port;
+    const char* after;
+  } cases[] = {
+      {"http=a:1;ftp=b:2;socks=c:3", kFtp, "", 0, "http=a:1;3"},
+      {"http=a:1;ftp=b:2;", kFtp, "", 0, "http=a:1"},
+      {"http=a:1;ftp=b:2", kHttp, "c", 3, ";ftp=b:2http=c:3"},
+      {";ftp=b:2http=c:3", kHttp, "d", 4, ";ftp=b:2http=d:4"},
+      {"HTTP=x:1", kHttp, "", 0, "HTTP=x:1"},
+      {"HTTP=x:1", kHttp, "y", 2, "HTTP=x:1;http=y:2"},
+      {"proxy:80", kFtp, "f", 21, "proxy:80;ftp=f:21"},
+  };
+  for (const auto& c : cases) {
+    SetSetting("ProxyServer", c.before);
+    ASSERT_TRUE(Use(c.protocol, c.server, c.port)) << c.before;
+    EXPECT_EQ(Setting("ProxyServer"), c.after) << c.before;
+    EXPECT_EQ(Get(c.protocol), *c.server ? c.server + (":" + std::to_string(c.port)) : "(none)")
+        << c.before;
+  }
   // The joined text still reads back: the ftp entry's port stops at the first non-digit.
-  EXPECT_EQ(Get(kHttp), "c:3");
+  SetSetting("ProxyServer", ";ftp=b:2http=c:3");
   EXPECT_EQ(Get(kFtp), "b:2");
-  // Replacing the entry now at the end is clean.
-  ASSERT_TRUE(Use(kHttp, "d", 4));
-  EXPECT_EQ(Setting("ProxyServer"), ";ftp=b:2http=d:4");
-}
-
-TEST_P(IEProxy, EveryProtocolRoundTripsInTheSharedList) {
-  std::string expected;
-  for (const Protocol& protocol : kProtocols) {
-    const std::string host = std::string(protocol.keyword) + ".example";
-    const int port = static_cast<int>(expected.size()) + 1;
-    ASSERT_TRUE(Use(protocol, host, port)) << protocol.keyword;
-    expected += (expected.empty() ? "" : ";") + std::string(protocol.keyword) + "=" + host + ":" +
-                std::to_string(port);
-    EXPECT_EQ(Setting("ProxyServer"), expected);
-  }
-  for (const Protocol& protocol : kProtocols) {
-    const std::string host = std::string(protocol.keyword) + ".example";
-    EXPECT_THAT(Get(protocol), testing::StartsWith(host + ":")) << protocol.keyword;
-  }
-  // Removing from the front each time takes exactly one entry.
-  for (const Protocol& protocol : kProtocols) {
-    ASSERT_TRUE(Use(protocol, "", 0));
-    EXPECT_EQ(Get(protocol), "(none)") << protocol.keyword;
-  }
-  EXPECT_EQ(Setting("ProxyServer"), "");
-}
-
-TEST_P(IEProxy, KeywordsMatchWithCaseAndSingleProxyFormStaysFirst) {
-  SetSetting("ProxyServer", "HTTP=x:1");
-  EXPECT_EQ(Get(kHttp), "(none)");
-  ASSERT_TRUE(Use(kHttp, "", 0));
-  EXPECT_EQ(Setting("ProxyServer"), "HTTP=x:1");
-  ASSERT_TRUE(Use(kHttp, "y", 2));
-  EXPECT_EQ(Setting("ProxyServer"), "HTTP=x:1;http=y:2");
-  EXPECT_EQ(Get(kHttp), "y:2");
-
-  ASSERT_TRUE(ie_.UseProxyServer(W("proxy"), 80));
-  ASSERT_TRUE(Use(kFtp, "f", 21));
-  EXPECT_EQ(Setting("ProxyServer"), "proxy:80;ftp=f:21");
-  EXPECT_EQ(Get(kFtp), "f:21");
 }
 
 TEST_P(IEProxy, GetterTakesServerToFirstColonAndLeadingDigitsOfPort) {

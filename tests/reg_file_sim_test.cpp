@@ -104,6 +104,14 @@ std::vector<BYTE> Bytes(std::u16string_view text) {
   return bytes;
 }
 
+// ASCII text as the registry stores it: UTF-16 on the NT family, one byte a character on 9x.
+std::vector<BYTE> StoredText(std::u16string_view text) {
+  if (!sim::ActiveMachine()->isWin9x()) {
+    return Bytes(text);
+  }
+  return {text.begin(), text.end()};
+}
+
 // Every value form, the same registry in both formats. Only the header and the hex(2) and
 // hex(7) data (ANSI bytes here, UTF-16 bytes there) differ.
 constexpr char kEveryType4[] =
@@ -157,42 +165,33 @@ TEST_P(RegFileFormats, BothFormatsMakeTheSameRegistryWithEveryValueType) {
   EXPECT_EQ(Snapshot(), fromVersion4);
 
   // Text comes back in the registry's own encoding; raw types exactly as written.
-  const char* key = "SOFTWARE\\Types";
-  const auto text = [&](std::string_view ansi, std::u16string_view wide) {
-    return isWin9x() ? Bytes(ansi) : Bytes(wide);
+  const struct {
+    const char* path;
+    const char* name;
+    DWORD type;
+    std::vector<BYTE> data;
+  } expected[] = {
+      {"SOFTWARE\\Types", "", REG_SZ, StoredText({u"default\0", 8})},
+      {"SOFTWARE\\Types", "Text", REG_SZ, StoredText({u"C:\\Program Files\\ \"quoted\"\0", 27})},
+      {"SOFTWARE\\Types", "Empty", REG_SZ, StoredText({u"\0", 1})},
+      {"SOFTWARE\\Types", "Dword", REG_DWORD, {0x40, 0xE2, 0x01, 0x00}},
+      {"SOFTWARE\\Types", "Short", REG_DWORD, {7, 0, 0, 0}},
+      {"SOFTWARE\\Types", "Binary", REG_BINARY, {0x00, 0x01, 0xFE, 0xFF}},
+      {"SOFTWARE\\Types", "NoData", REG_BINARY, {}},
+      {"SOFTWARE\\Types", "None", REG_NONE, {0x01}},
+      {"SOFTWARE\\Types", "Expand", REG_EXPAND_SZ, StoredText({u"%SystemRoot%\0", 13})},
+      {"SOFTWARE\\Types", "Multi", REG_MULTI_SZ, StoredText({u"a\0bc\0\0", 6})},
+      {"SOFTWARE\\Types", "BigEndian", REG_DWORD_BIG_ENDIAN, {0, 0, 1, 2}},
+      {"SOFTWARE\\Types", "Qword", 11, {1, 2, 3, 4, 5, 6, 7, 8}},
+      {"SOFTWARE\\Types", "Custom", 0x480, {0xAA}},
+      {"SOFTWARE\\Types\\Sub", "", REG_SZ, StoredText({u"also default\0", 13})},
   };
-  Stored v = Query(HKEY_LOCAL_MACHINE, key, "Text");
-  EXPECT_EQ(v.type, REG_SZ);
-  EXPECT_EQ(v.data, text(std::string_view("C:\\Program Files\\ \"quoted\"\0", 27),
-                         std::u16string_view(u"C:\\Program Files\\ \"quoted\"\0", 27)));
-  EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, key, "").data,
-            text(std::string_view("default\0", 8), std::u16string_view(u"default\0", 8)));
-  EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, key, "Empty").data,
-            text(std::string_view("\0", 1), std::u16string_view(u"\0", 1)));
-  v = Query(HKEY_LOCAL_MACHINE, key, "Dword");
-  EXPECT_EQ(v.type, REG_DWORD);
-  EXPECT_EQ(v.data, (std::vector<BYTE>{0x40, 0xE2, 0x01, 0x00}));
-  EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, key, "Short").data, (std::vector<BYTE>{7, 0, 0, 0}));
-  EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, key, "Binary").data,
-            (std::vector<BYTE>{0x00, 0x01, 0xFE, 0xFF}));
-  v = Query(HKEY_LOCAL_MACHINE, key, "NoData");
-  EXPECT_EQ(v.status, ERROR_SUCCESS);
-  EXPECT_EQ(v.type, REG_BINARY);
-  EXPECT_TRUE(v.data.empty());
-  v = Query(HKEY_LOCAL_MACHINE, key, "Expand");
-  EXPECT_EQ(v.type, REG_EXPAND_SZ);
-  EXPECT_EQ(v.data, text(std::string_view("%SystemRoot%\0", 13),
-                         std::u16string_view(u"%SystemRoot%\0", 13)));
-  v = Query(HKEY_LOCAL_MACHINE, key, "Multi");
-  EXPECT_EQ(v.type, REG_MULTI_SZ);
-  EXPECT_EQ(v.data, text(std::string_view("a\0bc\0\0", 6), std::u16string_view(u"a\0bc\0\0", 6)));
-  EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, key, "BigEndian").type, REG_DWORD_BIG_ENDIAN);
-  EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, key, "Qword").data,
-            (std::vector<BYTE>{1, 2, 3, 4, 5, 6, 7, 8}));
-  EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, key, "Custom").type, 0x480u);
-  EXPECT_EQ(
-      Query(HKEY_LOCAL_MACHINE, "SOFTWARE\\Types\\Sub", "").data,
-      text(std::string_view("also default\0", 13), std::u16string_view(u"also default\0", 13)));
+  for (const auto& e : expected) {
+    const Stored v = Query(HKEY_LOCAL_MACHINE, e.path, e.name);
+    EXPECT_EQ(v.status, ERROR_SUCCESS) << e.name;
+    EXPECT_EQ(v.type, e.type) << e.name;
+    EXPECT_EQ(v.data, e.data) << e.name;
+  }
 }
 
 TEST_P(RegFileFormats, LineEndingsDoNotChangeWhatIsReadOrTheLinesReported) {
@@ -249,11 +248,7 @@ TEST_P(RegFileFormats, QuotedTextKeepsEscapesAndRawLineBreaks) {
                            u"\"Name \\\"with\\\" \\\\ marks\"=\"x\"\r\n"
                            u"\"After\"=\"y\"\r\n")),
             "");
-  const auto text = [&](std::string_view ansi, std::u16string_view wide) {
-    return isWin9x() ? Bytes(ansi) : Bytes(wide);
-  };
-  const std::vector<BYTE> expected =
-      text(std::string_view("a\r\nb\0", 5), std::u16string_view(u"a\r\nb\0", 5));
+  const std::vector<BYTE> expected = StoredText({u"a\r\nb\0", 5});
   EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, "SOFTWARE\\Quote", "Escaped").data, expected);
   EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, "SOFTWARE\\Quote", "Raw").data, expected);
   EXPECT_EQ(Query(HKEY_LOCAL_MACHINE, "SOFTWARE\\Quote", "Name \"with\" \\ marks").status,

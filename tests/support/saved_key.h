@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/registry.h"
+#include "support/registry_probe.h"
 
 namespace hostkit_test {
 
@@ -37,7 +38,7 @@ class SavedKey {
   }
   ~SavedKey() {
     if (!created_.empty()) {
-      DeleteTree(root_, created_);
+      registry_probe::DeleteTree(root_, created_);
       return;
     }
     HKEY key = nullptr;
@@ -90,25 +91,6 @@ class SavedKey {
       values.push_back({name, type, data});
     }
     return values;
-  }
-
-  static void DeleteTree(HKEY parent, const std::string& path) {
-    HKEY key = nullptr;
-    if (Hostkit::platform::RegOpenKeyExA(parent, path.c_str(), 0, KEY_ALL_ACCESS, &key) !=
-        ERROR_SUCCESS) {
-      return;
-    }
-    for (;;) {
-      char name[260];
-      DWORD size = sizeof name;
-      if (Hostkit::platform::RegEnumKeyExA(key, 0, name, &size, nullptr, nullptr, nullptr,
-                                           nullptr) != ERROR_SUCCESS) {
-        break;
-      }
-      DeleteTree(key, name);
-    }
-    Hostkit::platform::RegCloseKey(key);
-    Hostkit::platform::RegDeleteKeyA(parent, path.c_str());
   }
 
   HKEY root_;
