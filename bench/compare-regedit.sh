@@ -26,13 +26,8 @@ cmake --build build-win-bench -j "$jobs" --target save_registry
 
 work="$PWD/build-win-bench/compare"
 mkdir -p "$work"
-export WINEPREFIX="$PWD/build-win-bench/bench-prefix"
-export WINEDEBUG=-all
-export WINEDLLOVERRIDES="mscoree,mshtml="  # no Mono or Gecko installer prompts
-if [[ ! -f "$WINEPREFIX/system.reg" ]]; then
-  wineboot --init >/dev/null 2>&1
-  wineserver --wait
-fi
+source scripts/wine-prefix.sh
+use_wine_prefix "$PWD/build-win-bench/bench-prefix"
 # Keep one wineserver for the whole run, so no process below pays for starting it.
 wineserver --persistent=60
 trap 'wineserver --kill >/dev/null 2>&1 || true' EXIT

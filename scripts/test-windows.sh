@@ -14,13 +14,8 @@ bash scripts/install-deps.sh --windows
 cmake -S . -B build-win -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake
 cmake --build build-win -j "$jobs"
 
-export WINEPREFIX="$PWD/build-win/wineprefix"
-export WINEDEBUG=-all
-export WINEDLLOVERRIDES="mscoree,mshtml="  # no Mono or Gecko installer prompts
-if [[ ! -f "$WINEPREFIX/system.reg" ]]; then
-  wineboot --init >/dev/null 2>&1
-  wineserver --wait
-fi
+source scripts/wine-prefix.sh
+use_wine_prefix "$PWD/build-win/wineprefix"
 
 # Checks the DLL exports the public interface and nothing of the implementation.
 bash scripts/check-exports.sh build-win/Hostkit3.dll

@@ -4,39 +4,25 @@
 #include <vector>
 
 #include "commands.h"
-#include "foundation/reg_file.h"
 #include "hostkit/registry_backup.h"
 #include "hostkit/regwiz.h"
 #include "hostkit/strings.h"
 
 namespace hostkit_tool {
 
-namespace {
-
-// "ROOT\path" as a root handle and the path below it; false when the text names no root or the
-// path has no form in the machine's code page.
-bool ParseKey(const std::string& text, HKEY& root, Hostkit::wstring& path) {
-  const size_t split = text.find('\\');
-  const std::string rootName = text.substr(0, split);
-  root = Hostkit::regfile::RootFromName(Hostkit::wstring(rootName.begin(), rootName.end()));
-  const std::string below = split == std::string::npos ? std::string() : text.substr(split + 1);
-  return root != nullptr && Hostkit::ConvertANSIToUnicode(below, path);
-}
-
-}  // namespace
-
 int RunBackup(const std::vector<std::string>& keys, const std::string& file, std::ostream& out,
               std::ostream& err) {
   Hostkit::RegistryBackup backup;
   Hostkit::RegWiz registry;
   for (const std::string& key : keys) {
-    HKEY root = nullptr;
+    KeyName name;
     Hostkit::wstring path;
-    if (!ParseKey(key, root, path)) {
+    if (!ParseKeyName(key, name) || !Hostkit::ConvertANSIToUnicode(name.path, path)) {
       err << "hostkit: \"" << key << "\" does not start with a root key such as HKLM or "
           << "HKEY_CURRENT_USER\n";
       return 1;
     }
+    const HKEY root = name.root;
     // The library leaves out keys it cannot open; the tool says so instead.
     if (!registry.DoesKeyExist(root, path.c_str())) {
       err << "hostkit: key not found: " << key << "\n";

@@ -19,6 +19,15 @@ bool UseMachine(const std::string& file, std::string& error);
 // as the library's OS class reports them.
 int RunOs(std::ostream& out, std::ostream& err);
 
+// A key named on the command line, "ROOT\path" with ROOT a root key's long or short name.
+struct KeyName {
+  HKEY root = nullptr;
+  std::string path;  // below the root, without a trailing backslash
+  std::string full;  // as printed: the root's long name and the path
+};
+// False when the text does not start with a root key.
+bool ParseKeyName(const std::string& text, KeyName& key);
+
 // `hostkit reg query KEY`: the values (name, type, data) and subkeys of KEY, written
 // "ROOT\path" with ROOT a root key's long or short name.
 int RunRegQuery(const std::string& key, std::ostream& out, std::ostream& err);

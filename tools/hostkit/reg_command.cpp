@@ -12,14 +12,6 @@
 
 namespace hostkit_tool {
 
-namespace {
-
-struct KeyName {
-  HKEY root = nullptr;
-  std::string path;  // below the root, without a trailing backslash
-  std::string full;  // as printed: the root's long name and the path
-};
-
 bool ParseKeyName(const std::string& text, KeyName& key) {
   const size_t split = text.find('\\');
   const std::string rootName = text.substr(0, split);
@@ -38,6 +30,8 @@ bool ParseKeyName(const std::string& text, KeyName& key) {
   }
   return true;
 }
+
+namespace {
 
 std::string TypeName(DWORD type) {
   static const char* const kNames[] = {
