@@ -1,7 +1,10 @@
 // ConfigureIE: the current user's Internet Explorer proxies, exceptions, automatic
 // configuration and detection, and the browser's presence, version, home page and connection
-// wizard. Every call reads the registry afresh and writes at once; nothing is kept between calls.
+// wizard, and the current user's Favorites. Every call reads the registry (or the Favorites
+// folder) afresh and writes at once; nothing is kept between calls.
 #pragma once
+
+#include <vector>
 
 #include "hostkit/export.h"
 #include "hostkit/shell.h"
@@ -13,6 +16,13 @@ class ConfigureIE_impl;
 
 class HOSTKIT_API ConfigureIE {
  public:
+  // A shortcut in the Favorites folder: its address and its name relative to the folder,
+  // without extension, sub-folders separated by "\" ("News\Daily").
+  struct FavoriteLink {
+    wstring url;
+    wstring name;
+  };
+
   ConfigureIE();
   ConfigureIE(const ConfigureIE& other);
   ConfigureIE& operator=(const ConfigureIE& other);
@@ -49,6 +59,12 @@ class HOSTKIT_API ConfigureIE {
   bool SetHomePage(const wstring& url);
   // Marks the Internet Connection Wizard as completed so that it does not start on first use.
   bool DisableConnectionWizard();
+
+  // Writes the shortcut "Favorites\<name>.URL", creating its sub-folders.
+  bool AddFavorite(const FavoriteLink& link);
+  // Appends every shortcut of the Favorites folder and its sub-folders to `links`; returns the
+  // number appended.
+  int GetFavorites(std::vector<FavoriteLink>& links);
 
  private:
   Pimpl<ConfigureIE_impl> impl_;

@@ -322,6 +322,88 @@ constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
 
 constexpr int MAX_PATH = 260;
 
+// Calling convention of Win32 entry points reached through GetProcAddress (none on the host).
+#define WINAPI
+
+// Files and directory searches.
+constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x00000001;
+constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x00000010;
+constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x00000020;
+constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x00000080;
+constexpr LONG ERROR_NO_MORE_FILES = 18;
+
+struct WIN32_FIND_DATAA {
+  DWORD dwFileAttributes;
+  FILETIME ftCreationTime;
+  FILETIME ftLastAccessTime;
+  FILETIME ftLastWriteTime;
+  DWORD nFileSizeHigh;
+  DWORD nFileSizeLow;
+  DWORD dwReserved0;
+  DWORD dwReserved1;
+  CHAR cFileName[MAX_PATH];
+  CHAR cAlternateFileName[14];
+};
+
+// COM results and identifiers.
+using HRESULT = LONG;
+constexpr HRESULT S_OK = 0;
+constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057);
+
+struct GUID {
+  DWORD Data1;
+  WORD Data2;
+  WORD Data3;
+  BYTE Data4[8];
+};
+
+// Files and devices.
+struct SECURITY_ATTRIBUTES {
+  DWORD nLength;
+  void* lpSecurityDescriptor;
+  BOOL bInheritHandle;
+};
+struct OVERLAPPED {
+  ULONG_PTR Internal;
+  ULONG_PTR InternalHigh;
+  DWORD Offset;
+  DWORD OffsetHigh;
+  HANDLE hEvent;
+};
+constexpr DWORD FILE_SHARE_READ = 0x00000001;
+constexpr DWORD FILE_SHARE_WRITE = 0x00000002;
+constexpr DWORD CREATE_NEW = 1;
+constexpr DWORD CREATE_ALWAYS = 2;
+constexpr DWORD OPEN_EXISTING = 3;
+constexpr DWORD DDD_RAW_TARGET_PATH = 0x00000001;
+constexpr DWORD DDD_REMOVE_DEFINITION = 0x00000002;
+constexpr DWORD DDD_EXACT_MATCH_ON_REMOVE = 0x00000004;
+constexpr LONG ERROR_INVALID_FUNCTION = 1;
+constexpr LONG ERROR_GEN_FAILURE = 31;
+
+// Service control manager.
+struct SC_HANDLE__;
+using SC_HANDLE = SC_HANDLE__*;
+struct SERVICE_STATUS {
+  DWORD dwServiceType;
+  DWORD dwCurrentState;
+  DWORD dwControlsAccepted;
+  DWORD dwWin32ExitCode;
+  DWORD dwServiceSpecificExitCode;
+  DWORD dwCheckPoint;
+  DWORD dwWaitHint;
+};
+constexpr DWORD SC_MANAGER_ALL_ACCESS = 0xF003F;
+constexpr DWORD SERVICE_ALL_ACCESS = 0xF01FF;
+constexpr DWORD SERVICE_QUERY_STATUS = 0x0004;
+constexpr DWORD SERVICE_STOPPED = 1;
+constexpr DWORD SERVICE_START_PENDING = 2;
+constexpr DWORD SERVICE_STOP_PENDING = 3;
+constexpr DWORD SERVICE_RUNNING = 4;
+constexpr DWORD SERVICE_KERNEL_DRIVER = 0x00000001;
+constexpr LONG ERROR_INVALID_SERVICE_CONTROL = 1052;
+constexpr LONG ERROR_SERVICE_DOES_NOT_EXIST = 1060;
+
 namespace Hostkit {
 using WCHAR = ::WCHAR;
 }  // namespace Hostkit

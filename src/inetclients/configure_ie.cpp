@@ -128,4 +128,11 @@ bool ConfigureIE::DisableConnectionWizard() {
                  [&](ConfigureIE_impl& impl) { return impl.DisableConnectionWizard(); });
 }
 
+bool ConfigureIE::AddFavorite(const FavoriteLink& link) {
+  return Forward(impl_, false, [&](ConfigureIE_impl& impl) { return impl.AddFavorite(link); });
+}
+int ConfigureIE::GetFavorites(std::vector<FavoriteLink>& links) {
+  return Forward(impl_, 0, [&](ConfigureIE_impl& impl) { return impl.GetFavorites(links); });
+}
+
 }  // namespace Hostkit

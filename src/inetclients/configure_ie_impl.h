@@ -2,6 +2,9 @@
 // reads the registry afresh and writes at once.
 #pragma once
 
+#include <vector>
+
+#include "hostkit/configure_ie.h"
 #include "hostkit/win_types.h"
 
 namespace Hostkit {
@@ -27,6 +30,10 @@ class ConfigureIE_impl {
   bool GetHomePage(wstring& url);
   bool SetHomePage(const wstring& url);
   bool DisableConnectionWizard();
+
+  // Favorites (favorites.cpp).
+  bool AddFavorite(const ConfigureIE::FavoriteLink& link);
+  int GetFavorites(std::vector<ConfigureIE::FavoriteLink>& links);
 };
 
 // Reads a string value into `value`, which is left untouched when the read fails.

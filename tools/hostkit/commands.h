@@ -19,6 +19,14 @@ bool UseMachine(const std::string& file, std::string& error);
 // as the library's OS class reports them.
 int RunOs(std::ostream& out, std::ostream& err);
 
+// `hostkit hardware`: processors, speed, vendor, memory and drives, as the library's CPU, RAM
+// and Drive report them.
+int RunHardware(std::ostream& out, std::ostream& err);
+
+// `hostkit adapters [--json]`: the stored TCP/IP configuration of every network adapter
+// (name, cookie, type, DHCP or static addresses, DNS, WINS, flags), as a table or as JSON.
+int RunAdapters(bool json, std::ostream& out, std::ostream& err);
+
 // A key named on the command line, "ROOT\path" with ROOT a root key's long or short name.
 struct KeyName {
   HKEY root = nullptr;
@@ -51,6 +59,26 @@ int RunIeWizardOff(std::ostream& out, std::ostream& err);
 // library's RegistryBackup into FILE in the format of the machine's release.
 int RunBackup(const std::vector<std::string>& keys, const std::string& file, std::ostream& out,
               std::ostream& err);
+
+// `hostkit favorites list|add`: the current user's Favorites through ConfigureIE; list prints
+// one "NAME<TAB>URL" line per shortcut.
+int RunFavoritesList(std::ostream& out, std::ostream& err);
+int RunFavoritesAdd(const std::string& name, const std::string& url, std::ostream& out,
+                    std::ostream& err);
+
+// `hostkit mail list|add|remove` and `hostkit identity remove`: Outlook Express accounts and
+// identities through ConfigureOE.
+struct MailAccountArgs {
+  std::string name, pop3, smtp, user, displayName, email, nntp, connectoid, identity;
+  bool isDefault = false;
+  bool newsOnly = false;
+};
+int RunMailList(std::ostream& out, std::ostream& err);
+// Without an identity the account goes to the default identity's accounts (or the shared list).
+int RunMailAdd(const MailAccountArgs& args, std::ostream& out, std::ostream& err);
+int RunMailRemove(const std::string& name, const std::string& identity, std::ostream& out,
+                  std::ostream& err);
+int RunIdentityRemove(const std::string& name, std::ostream& out, std::ostream& err);
 
 // Calls `write` with the Windows path under which the library writes the host file
 // `hostFile`. On Windows that is the file itself; the simulated build lets the library write on

@@ -16,6 +16,12 @@ int Run(int argc, char** argv) {
                  "machine profile (JSON) to run on instead of the built-in Windows XP home PC");
   app.require_subcommand(1);
   CLI::App* os = app.add_subcommand("os", "release, version, language and administrator facts");
+  CLI::App* hardware =
+      app.add_subcommand("hardware", "processors, speed, vendor, memory and drives");
+  CLI::App* adapters =
+      app.add_subcommand("adapters", "stored TCP/IP settings of every network adapter");
+  bool adaptersJson = false;
+  adapters->add_flag("--json", adaptersJson, "print the adapters as JSON");
   CLI::App* reg = app.add_subcommand("reg", "registry commands");
   reg->require_subcommand(1);
   CLI::App* query = reg->add_subcommand("query", "list a key's values and subkeys");
@@ -54,6 +60,41 @@ int Run(int argc, char** argv) {
   backup->add_option("KEY", backupKeys, "keys to save, e.g. HKCU\\Software\\Vendor")->required();
   backup->add_option("-o,--output", backupFile, "the .reg file to write")->required();
 
+  CLI::App* favorites = app.add_subcommand("favorites", "the current user's Favorites");
+  favorites->require_subcommand(1);
+  CLI::App* favoritesList = favorites->add_subcommand("list", "every shortcut and its address");
+  CLI::App* favoritesAdd = favorites->add_subcommand("add", "add a shortcut: NAME URL");
+  std::string favoriteName;
+  std::string favoriteUrl;
+  favoritesAdd->add_option("NAME", favoriteName, "e.g. News\\Daily")->required();
+  favoritesAdd->add_option("URL", favoriteUrl, "the address")->required();
+  CLI::App* mail = app.add_subcommand("mail", "Outlook Express mail and news accounts");
+  mail->require_subcommand(1);
+  CLI::App* mailList = mail->add_subcommand("list", "the accounts of every identity");
+  CLI::App* mailAdd = mail->add_subcommand("add", "create or update an account");
+  hostkit_tool::MailAccountArgs mailArgs;
+  mailAdd->add_option("NAME", mailArgs.name, "the account name")->required();
+  mailAdd->add_option("--pop3", mailArgs.pop3, "incoming mail server");
+  mailAdd->add_option("--smtp", mailArgs.smtp, "outgoing mail server");
+  mailAdd->add_option("--user", mailArgs.user, "mailbox user name");
+  mailAdd->add_option("--display-name", mailArgs.displayName, "sender's name");
+  mailAdd->add_option("--email", mailArgs.email, "sender's address");
+  mailAdd->add_option("--nntp", mailArgs.nntp, "news server: adds a news account");
+  mailAdd->add_option("--dial-up", mailArgs.connectoid, "dial-up connection to use");
+  mailAdd->add_option("--identity", mailArgs.identity, "identity owning it (made if missing)");
+  mailAdd->add_flag("--default", mailArgs.isDefault, "make it the default account");
+  mailAdd->add_flag("--news-only", mailArgs.newsOnly, "no mail account, only the news account");
+  CLI::App* mailRemove = mail->add_subcommand("remove", "remove an account by name");
+  std::string mailRemoveName;
+  std::string mailRemoveIdentity;
+  mailRemove->add_option("NAME", mailRemoveName, "the account name")->required();
+  mailRemove->add_option("--identity", mailRemoveIdentity, "the identity holding it");
+  CLI::App* identity = app.add_subcommand("identity", "Outlook Express identities");
+  identity->require_subcommand(1);
+  CLI::App* identityRemove = identity->add_subcommand("remove", "remove an identity by name");
+  std::string identityName;
+  identityRemove->add_option("NAME", identityName, "the identity's user name")->required();
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -67,6 +108,12 @@ int Run(int argc, char** argv) {
   }
   if (os->parsed()) {
     return hostkit_tool::RunOs(std::cout, std::cerr);
+  }
+  if (hardware->parsed()) {
+    return hostkit_tool::RunHardware(std::cout, std::cerr);
+  }
+  if (adapters->parsed()) {
+    return hostkit_tool::RunAdapters(adaptersJson, std::cout, std::cerr);
   }
   if (query->parsed()) {
     return hostkit_tool::RunRegQuery(key, std::cout, std::cerr);
@@ -91,6 +138,24 @@ int Run(int argc, char** argv) {
   }
   if (ieWizard->parsed()) {
     return hostkit_tool::RunIeWizardOff(std::cout, std::cerr);
+  }
+  if (favoritesList->parsed()) {
+    return hostkit_tool::RunFavoritesList(std::cout, std::cerr);
+  }
+  if (favoritesAdd->parsed()) {
+    return hostkit_tool::RunFavoritesAdd(favoriteName, favoriteUrl, std::cout, std::cerr);
+  }
+  if (mailList->parsed()) {
+    return hostkit_tool::RunMailList(std::cout, std::cerr);
+  }
+  if (mailAdd->parsed()) {
+    return hostkit_tool::RunMailAdd(mailArgs, std::cout, std::cerr);
+  }
+  if (mailRemove->parsed()) {
+    return hostkit_tool::RunMailRemove(mailRemoveName, mailRemoveIdentity, std::cout, std::cerr);
+  }
+  if (identityRemove->parsed()) {
+    return hostkit_tool::RunIdentityRemove(identityName, std::cout, std::cerr);
   }
   if (backup->parsed()) {
     return hostkit_tool::RunBackup(backupKeys, backupFile, std::cout, std::cerr);

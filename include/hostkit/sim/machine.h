@@ -8,10 +8,14 @@
 // it and activate it.
 #pragma once
 
+#include <condition_variable>
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
+#include <random>
 #include <set>
 #include <string>
 #include <string_view>
@@ -59,6 +63,70 @@ struct NoCaseLess {
   HOSTKIT_API bool operator()(const std::string& a, const std::string& b) const;
 };
 
+// The processors of a machine, as GetSystemInfo, the affinity mask and CPUID report them.
+struct ProcessorFacts {
+  ULONG_PTR affinityMask = 1;           // processors the process may run on, one bit each
+  std::string vendor = "GenuineIntel";  // CPUID leaf 0, twelve characters
+  DWORD family = 6;                     // CPUID leaf 1 family, and the processor level
+  DWORD mhz = 500;                      // the rate of the time-stamp counter
+  bool hasCpuid = true;
+  bool hasTimeStampCounter = true;
+};
+
+// A drive: its GetDriveTypeA answer (DRIVE_FIXED = 3, ...) and its size in bytes.
+struct SimVolume {
+  UINT type = 3;
+  std::uint64_t totalBytes = 0;
+  std::uint64_t freeBytes = 0;
+};
+
+// The machine's virtual time, in nanoseconds since it started. Sleep, GetTickCount and the
+// performance and time-stamp counters read it, so that waiting and timing cost no real time.
+//
+// An ordinary thread moves time forward at once. A worker thread the machine started
+// (CreateThread) is leashed: it may move time only as far as a thread waiting for it allows,
+// which makes a timed wait deterministic. A wait of N ms on a worker lets it run up to N ms of
+// virtual time; when the worker would go past that, the wait ends with a time-out and the clock
+// stands at its deadline. A worker nobody waits for any longer runs free.
+class HOSTKIT_API VirtualClock {
+ public:
+  // What the clock knows of one worker thread; guarded by the clock.
+  struct Leash {
+    std::uint64_t limit = 0;   // how far the worker may move time
+    std::uint64_t wanted = 0;  // where a parked worker wants to move it
+    bool parked = false;       // waiting for a larger limit
+    bool free = false;         // no limit any more
+    bool finished = false;     // ended (returned or terminated)
+    bool killed = false;       // terminated: never runs again
+    DWORD exitCode = 0;
+  };
+
+  std::uint64_t now() const;
+  // Moves time forward by `nanoseconds` on behalf of the calling thread (see above).
+  void advance(std::uint64_t nanoseconds);
+
+  std::shared_ptr<Leash> newLeash();
+  // Makes the calling thread the worker held by `leash` for the rest of its life.
+  void bindCurrentThread(const std::shared_ptr<Leash>& leash);
+  // The worker returned `exitCode` (ignored when it was terminated).
+  void finish(Leash& leash, DWORD exitCode);
+  // Waits up to `milliseconds` of virtual time (INFINITE: without limit) for the worker to
+  // finish; true when it did. A worker blocked on something other than the clock is also
+  // given up on after the same span of real time.
+  bool waitFor(Leash& leash, DWORD milliseconds);
+  // Ends the worker: it counts as finished with `exitCode` and never moves time again.
+  void kill(Leash& leash, DWORD exitCode);
+  // Lets the worker run free.
+  void release(Leash& leash);
+  // Finished, and the exit code when so.
+  bool finished(const Leash& leash, DWORD& exitCode) const;
+
+ private:
+  mutable std::mutex mutex_;
+  std::condition_variable changed_;
+  std::uint64_t now_ = 0;
+};
+
 // The non-registry facts of a machine, as a profile states them.
 struct MachineFacts {
   Release release = Release::Unknown;
@@ -72,6 +140,13 @@ struct MachineFacts {
   // Host folder standing for the machine's drives: drive C: is its subfolder "c".
   std::filesystem::path driveRoot;
   std::string modulePath = "C:\\SETUP\\SETUP.EXE";  // GetModuleFileName of the process
+  ProcessorFacts processor;
+  std::uint64_t performanceFrequency = 3579545;  // counter ticks per second; 0: no counter
+  std::uint64_t totalPhysicalMemory = 128ULL << 20;
+  // Drives by upper-case letter. A letter not listed whose folder exists under driveRoot is a
+  // fixed disk with the host folder's space.
+  std::map<char, SimVolume> volumes;
+  std::string windowsDirectory = "C:\\WINDOWS";
 };
 
 // A module LoadLibraryA can load on the machine: its entry points by name (GetProcAddress
@@ -79,6 +154,18 @@ struct MachineFacts {
 // names (IP Helper, SNMP, ...).
 struct SimModule {
   std::map<std::string, FARPROC> entryPoints;
+};
+
+// A kernel device ("\Device\NAME") a driver serves. A network adapter's driver answers the NDIS
+// statistics query from `ndisObjects` (object identifier to data); the supported-list object
+// (0x00010101) is answered from the identifiers present unless the profile gives it.
+struct SimDevice {
+  std::map<DWORD, std::vector<BYTE>> ndisObjects;
+};
+
+// A service the service control manager knows: its current state (SERVICE_RUNNING, ...).
+struct SimService {
+  DWORD state = SERVICE_STOPPED;
 };
 
 class RegistryStore;
@@ -107,12 +194,34 @@ class HOSTKIT_API Machine {
   // Privileges enabled on the process token so far (AdjustTokenPrivileges), by name.
   std::set<std::string, NoCaseLess>& enabledPrivileges() { return enabledPrivileges_; }
 
+  VirtualClock& clock() { return clock_; }
+
+  // The generator CoCreateGuid draws from: the same seed on every new machine, so that the
+  // identifiers a run makes repeat; reseed it for others.
+  std::mt19937_64& guidGenerator() { return guidGenerator_; }
+
+  // Kernel devices by name (the part after "\Device\"), and the DOS device names of the
+  // object manager: each name holds its definitions, the one in force first.
+  std::map<std::string, SimDevice, NoCaseLess>& devices() { return devices_; }
+  std::map<std::string, std::vector<std::string>, NoCaseLess>& dosDevices() { return dosDevices_; }
+  // Services by name (NT family).
+  std::map<std::string, SimService, NoCaseLess>& services() { return services_; }
+  // Instance identifiers of the devices that are present ("PCI\VEN_8086&...\3&...&0&40"), as
+  // the device-setup listing reports them; a device key without one is an absent device.
+  std::vector<std::string>& presentDevices() { return presentDevices_; }
+
  private:
   MachineFacts facts_;
   std::unique_ptr<RegistryStore> registry_;
   std::vector<ShutdownRequest> shutdownRequests_;
   std::map<std::string, SimModule, NoCaseLess> modules_;
   std::set<std::string, NoCaseLess> enabledPrivileges_;
+  VirtualClock clock_;
+  std::mt19937_64 guidGenerator_{0x486F73746B6974ULL};
+  std::map<std::string, SimDevice, NoCaseLess> devices_;
+  std::map<std::string, std::vector<std::string>, NoCaseLess> dosDevices_;
+  std::map<std::string, SimService, NoCaseLess> services_;
+  std::vector<std::string> presentDevices_;
 };
 
 // The machine the seam serves on the calling thread. Never null: before a host program

@@ -7,7 +7,9 @@
 #include <mutex>
 #include <utility>
 
+#include "platform/sim/kernel32_module.h"
 #include "platform/sim/registry_store.h"
+#include "platform/sim/standard_modules.h"
 
 namespace Hostkit::sim {
 
@@ -108,6 +110,8 @@ VersionRecord DefaultVersionRecord(Release release) {
 Machine::Machine(Release release) : registry_(std::make_unique<RegistryStore>(*this)) {
   facts_.release = release;
   facts_.version = DefaultVersionRecord(release);
+  AddStandardModules(*this);
+  AddKernel32Module(*this);
 }
 
 Machine::~Machine() = default;

@@ -56,15 +56,16 @@ class LoadedModules {
     return handle;
   }
 
-  // The machine's entry for a loaded module; null when the handle is not loaded or the machine
-  // no longer offers the module.
+  // The entry for a loaded module on the machine now served; null when the handle is not loaded
+  // or that machine does not offer the module. A handle kept across machines (the library binds
+  // some modules once per process) thus answers as the module of the machine in use.
   const SimModule* Find(HMODULE handle) {
     std::lock_guard lock(mutex_);
     auto found = modules_.find(handle);
     if (found == modules_.end()) {
       return nullptr;
     }
-    auto& table = found->second.machine->modules();
+    auto& table = ActiveMachine()->modules();
     auto module = table.find(found->second.name);
     return module != table.end() ? &module->second : nullptr;
   }

@@ -12,6 +12,8 @@
 #include <vector>
 
 #include "hostkit/sim/profile.h"
+#include "platform/sim/profile_devices.h"
+#include "platform/sim/profile_hardware.h"
 #include "platform/sim/profile_support.h"
 #include "platform/sim/text_codec.h"
 
@@ -350,6 +352,16 @@ bool ProfileReader::ReadField(const std::string& key, const Json& value,
   if (key == "registry") {
     return ReadRegistry(value, registry);
   }
+  if (IsDeviceField(key)) {
+    KeyPath keys;
+    std::string what;
+    return ReadDeviceField(key, value, *machine_, keys, what) || Fail(keys, what);
+  }
+  if (IsHardwareField(key)) {
+    KeyPath keys;
+    std::string what;
+    return ReadHardwareField(key, value, *machine_, keys, what) || Fail(keys, what);
+  }
   return true;  // release and the code pages are read first
 }
 
@@ -366,7 +378,7 @@ std::shared_ptr<Machine> ProfileReader::Read(const RegistrySource& registry,
   }
   bool ok = root.is_object() || Fail({}, "the profile must be a JSON object");
   for (auto it = root.begin(); ok && it != root.end(); ++it) {
-    if (!IsOneOf(it.key(), kFields)) {
+    if (!IsOneOf(it.key(), kFields) && !IsDeviceField(it.key()) && !IsHardwareField(it.key())) {
       ok = Fail({it.key()}, "unknown field \"" + it.key() + "\"");
     }
   }

@@ -5,6 +5,8 @@
 
 #include "foundation/reg_file.h"
 #include "hostkit/sim/profile.h"
+#include "platform/sim/profile_devices.h"
+#include "platform/sim/profile_hardware.h"
 #include "platform/sim/profile_support.h"
 
 namespace Hostkit::sim {
@@ -90,6 +92,8 @@ bool ProfileWriter::Facts(OrderedJson& json, const std::filesystem::path& folder
     json["drives"] = drives.generic_string();
   }
   json["modulePath"] = modulePath;
+  WriteDeviceFields(machine_, json);
+  WriteHardwareFields(machine_, json);
   return true;
 }
 

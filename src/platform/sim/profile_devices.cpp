@@ -1,0 +1,273 @@
+// Reading and writing the device facts of machine profiles.
+#include "platform/sim/profile_devices.h"
+
+#include <cctype>
+#include <cstdio>
+#include <string_view>
+
+namespace Hostkit::sim {
+
+namespace {
+
+using Json = nlohmann::json;
+using OrderedJson = nlohmann::ordered_json;
+
+struct NamedNumber {
+  const char* name;
+  DWORD number;
+};
+
+constexpr NamedNumber kNdisObjects[] = {
+    {"supported list", 0x00010101}, {"802.3 permanent", 0x01010101}, {"802.3 current", 0x01010102},
+    {"WAN permanent", 0x04010101},  {"WAN current", 0x04010102},
+};
+
+constexpr NamedNumber kServiceStates[] = {
+    {"stopped", SERVICE_STOPPED},
+    {"start pending", SERVICE_START_PENDING},
+    {"stop pending", SERVICE_STOP_PENDING},
+    {"running", SERVICE_RUNNING},
+};
+
+template <size_t N>
+const char* NameOf(const NamedNumber (&table)[N], DWORD number) {
+  for (const auto& entry : table) {
+    if (entry.number == number) {
+      return entry.name;
+    }
+  }
+  return nullptr;
+}
+
+template <size_t N>
+bool NumberOf(const NamedNumber (&table)[N], const std::string& name, DWORD& number) {
+  for (const auto& entry : table) {
+    if (name == entry.name) {
+      number = entry.number;
+      return true;
+    }
+  }
+  return false;
+}
+
+bool ParseObjectId(const std::string& text, DWORD& oid) {
+  if (NumberOf(kNdisObjects, text, oid)) {
+    return true;
+  }
+  if (text.size() < 3 || text.size() > 10 || text.compare(0, 2, "0x") != 0) {
+    return false;
+  }
+  char* end = nullptr;
+  const unsigned long value = std::strtoul(text.c_str() + 2, &end, 16);
+  oid = static_cast<DWORD>(value);
+  return end != nullptr && *end == '\0';
+}
+
+int HexDigit(char c) {
+  if (std::isxdigit(static_cast<unsigned char>(c)) == 0) {
+    return -1;
+  }
+  return std::isdigit(static_cast<unsigned char>(c)) != 0
+             ? c - '0'
+             : std::tolower(static_cast<unsigned char>(c)) - 'a' + 10;
+}
+
+// Pairs of hexadecimal digits, each pair optionally followed by one separator.
+bool ParseBytes(std::string_view text, std::vector<BYTE>& bytes) {
+  bytes.clear();
+  for (size_t i = 0; i < text.size();) {
+    if (i + 1 >= text.size() || HexDigit(text[i]) < 0 || HexDigit(text[i + 1]) < 0) {
+      return false;
+    }
+    bytes.push_back(static_cast<BYTE>(HexDigit(text[i]) * 16 + HexDigit(text[i + 1])));
+    i += 2;
+    if (i < text.size()) {
+      if (text[i] != '-' && text[i] != ':' && text[i] != ' ') {
+        return false;
+      }
+      ++i;
+    }
+  }
+  return true;
+}
+
+std::string FormatBytes(const std::vector<BYTE>& bytes) {
+  std::string text;
+  char pair[4];
+  for (BYTE byte : bytes) {
+    std::snprintf(pair, sizeof pair, text.empty() ? "%02X" : "-%02X", byte);
+    text += pair;
+  }
+  return text;
+}
+
+class DeviceFieldReader {
+ public:
+  DeviceFieldReader(Machine& machine, std::vector<std::string>& keys, std::string& what)
+      : machine_(machine), keys_(keys), what_(what) {}
+
+  bool Read(const std::string& key, const Json& value) {
+    keys_ = {key};
+    if (key == "devices") {
+      return Devices(value);
+    }
+    if (key == "dosDevices") {
+      return DosDevices(value);
+    }
+    if (key == "services") {
+      return Services(value);
+    }
+    return PresentDevices(value);
+  }
+
+ private:
+  bool Fail(std::vector<std::string> keys, std::string what) {
+    keys_ = std::move(keys);
+    what_ = std::move(what);
+    return false;
+  }
+
+  bool Devices(const Json& value) {
+    if (!value.is_object()) {
+      return Fail({"devices"}, "\"devices\" must be an object of devices by name");
+    }
+    for (const auto& [name, device] : value.items()) {
+      SimDevice& simDevice = machine_.devices()[name];
+      if (!device.is_object()) {
+        return Fail({"devices", name}, "a device must be an object");
+      }
+      for (const auto& [field, objects] : device.items()) {
+        if (field != "ndis") {
+          return Fail({"devices", name, field}, "unknown device field \"" + field + "\"");
+        }
+        if (!NdisObjects(name, objects, simDevice)) {
+          return false;
+        }
+      }
+    }
+    return true;
+  }
+
+  bool NdisObjects(const std::string& device, const Json& objects, SimDevice& simDevice) {
+    if (!objects.is_object()) {
+      return Fail({"devices", device, "ndis"}, "\"ndis\" must be an object of objects");
+    }
+    for (const auto& [id, data] : objects.items()) {
+      DWORD oid = 0;
+      std::vector<BYTE> bytes;
+      if (!ParseObjectId(id, oid)) {
+        return Fail({"devices", device, "ndis", id}, "unknown NDIS object \"" + id + "\"");
+      }
+      if (!data.is_string() || !ParseBytes(data.get<std::string>(), bytes)) {
+        return Fail({"devices", device, "ndis", id},
+                    "NDIS data must be hexadecimal bytes such as \"00-60-08-12-34-56\"");
+      }
+      simDevice.ndisObjects[oid] = bytes;
+    }
+    return true;
+  }
+
+  bool DosDevices(const Json& value) {
+    if (!value.is_object()) {
+      return Fail({"dosDevices"}, "\"dosDevices\" must be an object of target lists");
+    }
+    for (const auto& [name, targets] : value.items()) {
+      if (!targets.is_array()) {
+        return Fail({"dosDevices", name}, "a DOS device name must have a list of targets");
+      }
+      auto& definitions = machine_.dosDevices()[name];
+      for (const Json& target : targets) {
+        if (!target.is_string()) {
+          return Fail({"dosDevices", name}, "a DOS device target must be a string");
+        }
+        definitions.push_back(target.get<std::string>());
+      }
+    }
+    return true;
+  }
+
+  bool Services(const Json& value) {
+    if (!value.is_object()) {
+      return Fail({"services"}, "\"services\" must be an object of service states");
+    }
+    for (const auto& [name, state] : value.items()) {
+      DWORD number = 0;
+      if (state.is_number_unsigned() && state.get<std::uint64_t>() <= 0xFFFFFFFFU) {
+        number = static_cast<DWORD>(state.get<std::uint64_t>());
+      } else if (!state.is_string() ||
+                 !NumberOf(kServiceStates, state.get<std::string>(), number)) {
+        return Fail({"services", name},
+                    "a service state must be \"stopped\", \"start pending\", \"stop pending\", "
+                    "\"running\" or a number");
+      }
+      machine_.services()[name].state = number;
+    }
+    return true;
+  }
+
+  bool PresentDevices(const Json& value) {
+    if (!value.is_array()) {
+      return Fail({"presentDevices"}, "\"presentDevices\" must be a list of instance identifiers");
+    }
+    for (const Json& id : value) {
+      if (!id.is_string()) {
+        return Fail({"presentDevices"},
+                    "\"presentDevices\" must be a list of instance identifiers");
+      }
+      machine_.presentDevices().push_back(id.get<std::string>());
+    }
+    return true;
+  }
+
+  Machine& machine_;
+  std::vector<std::string>& keys_;
+  std::string& what_;
+};
+
+}  // namespace
+
+bool IsDeviceField(const std::string& key) {
+  return key == "devices" || key == "dosDevices" || key == "services" || key == "presentDevices";
+}
+
+bool ReadDeviceField(const std::string& key, const nlohmann::json& value, Machine& machine,
+                     std::vector<std::string>& keys, std::string& what) {
+  return DeviceFieldReader(machine, keys, what).Read(key, value);
+}
+
+void WriteDeviceFields(Machine& machine, nlohmann::ordered_json& json) {
+  if (!machine.devices().empty()) {
+    OrderedJson devices = OrderedJson::object();
+    for (const auto& [name, device] : machine.devices()) {
+      OrderedJson ndis = OrderedJson::object();
+      for (const auto& [oid, data] : device.ndisObjects) {
+        char id[16];
+        std::snprintf(id, sizeof id, "0x%08X", static_cast<unsigned>(oid));
+        const char* known = NameOf(kNdisObjects, oid);
+        ndis[known != nullptr ? known : id] = FormatBytes(data);
+      }
+      devices[name] = {{"ndis", ndis}};
+    }
+    json["devices"] = devices;
+  }
+  if (!machine.dosDevices().empty()) {
+    OrderedJson names = OrderedJson::object();
+    for (const auto& [name, targets] : machine.dosDevices()) {
+      names[name] = targets;
+    }
+    json["dosDevices"] = names;
+  }
+  if (!machine.services().empty()) {
+    OrderedJson services = OrderedJson::object();
+    for (const auto& [name, service] : machine.services()) {
+      const char* state = NameOf(kServiceStates, service.state);
+      services[name] = state != nullptr ? OrderedJson(state) : OrderedJson(service.state);
+    }
+    json["services"] = services;
+  }
+  if (!machine.presentDevices().empty()) {
+    json["presentDevices"] = machine.presentDevices();
+  }
+}
+
+}  // namespace Hostkit::sim

@@ -1,0 +1,259 @@
+// "setupapi.dll" of the simulated machine: the device-information calls over the machine's
+// device keys ("SYSTEM\CurrentControlSet\Enum\ENUMERATOR\DEVICE\INSTANCE") and its list of
+// present devices.
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "hostkit/sim/machine.h"
+#include "platform/modules.h"
+#include "platform/registry.h"
+#include "platform/setupapi.h"
+#include "platform/sim/handle_table.h"
+#include "platform/sim/standard_modules.h"
+#include "platform/system_info.h"
+
+namespace Hostkit::sim {
+
+namespace {
+
+namespace setupapi = platform::setupapi;
+
+constexpr const char* kEnumKey = "SYSTEM\\CurrentControlSet\\Enum";
+
+class DeviceInfoSet : public KernelObject {
+ public:
+  explicit DeviceInfoSet(std::vector<std::string> ids) : ids(std::move(ids)) {}
+  std::vector<std::string> ids;  // instance identifiers, in listing order
+};
+
+bool SameText(const std::string& a, const std::string& b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return std::tolower(static_cast<unsigned char>(x)) ==
+                  std::tolower(static_cast<unsigned char>(y));
+         });
+}
+
+std::string GuidText(const setupapi::ClassGuid& guid) {
+  char text[40];
+  std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
+                static_cast<unsigned>(guid.data1), guid.data2, guid.data3, guid.data4[0],
+                guid.data4[1], guid.data4[2], guid.data4[3], guid.data4[4], guid.data4[5],
+                guid.data4[6], guid.data4[7]);
+  return text;
+}
+
+std::vector<std::string> SubKeys(HKEY root, const std::string& path) {
+  std::vector<std::string> names;
+  HKEY key = nullptr;
+  if (platform::RegOpenKeyExA(root, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
+    return names;
+  }
+  char name[256];
+  for (DWORD index = 0;; ++index) {
+    DWORD size = sizeof name;
+    if (platform::RegEnumKeyExA(key, index, name, &size, nullptr, nullptr, nullptr, nullptr) !=
+        ERROR_SUCCESS) {
+      break;
+    }
+    names.emplace_back(name, size);
+  }
+  platform::RegCloseKey(key);
+  return names;
+}
+
+// The value's type and data as the narrow calls read it; false when it is missing.
+bool ReadValue(const std::string& path, const char* name, DWORD& type, std::vector<BYTE>& data) {
+  HKEY key = nullptr;
+  if (platform::RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &key) !=
+      ERROR_SUCCESS) {
+    return false;
+  }
+  DWORD size = 0;
+  LONG result = platform::RegQueryValueExA(key, name, nullptr, &type, nullptr, &size);
+  if (result == ERROR_SUCCESS) {
+    data.assign(size, 0);
+    result = platform::RegQueryValueExA(key, name, nullptr, &type, data.data(), &size);
+    data.resize(size);
+  }
+  platform::RegCloseKey(key);
+  return result == ERROR_SUCCESS;
+}
+
+std::string ReadText(const std::string& path, const char* name) {
+  DWORD type = REG_NONE;
+  std::vector<BYTE> data;
+  if (!ReadValue(path, name, type, data) || type != REG_SZ) {
+    return {};
+  }
+  std::string text(data.begin(), data.end());
+  return text.substr(0, text.find('\0'));
+}
+
+std::string SubPath(const std::string& parent, const std::string& child) {
+  std::string path = parent;
+  path += '\\';
+  path += child;
+  return path;
+}
+
+// Device instances of a class: every ENUMERATOR\DEVICE\INSTANCE key whose "ClassGUID" names it.
+std::vector<std::string> DevicesOfClass(const std::string& classGuid) {
+  std::vector<std::string> ids;
+  for (const std::string& enumerator : SubKeys(HKEY_LOCAL_MACHINE, kEnumKey)) {
+    const std::string enumeratorPath = SubPath(kEnumKey, enumerator);
+    for (const std::string& device : SubKeys(HKEY_LOCAL_MACHINE, enumeratorPath)) {
+      const std::string devicePath = SubPath(enumeratorPath, device);
+      for (const std::string& instance : SubKeys(HKEY_LOCAL_MACHINE, devicePath)) {
+        if (SameText(ReadText(SubPath(devicePath, instance), "ClassGUID"), classGuid)) {
+          ids.push_back(SubPath(SubPath(enumerator, device), instance));
+        }
+      }
+    }
+  }
+  return ids;
+}
+
+bool IsPresent(const Machine& machine, const std::string& id) {
+  const auto& present = const_cast<Machine&>(machine).presentDevices();
+  return std::any_of(present.begin(), present.end(),
+                     [&id](const std::string& item) { return SameText(item, id); });
+}
+
+BOOL Fail(LONG error) {
+  platform::SetLastError(static_cast<DWORD>(error));
+  return FALSE;
+}
+
+// The set's member at the index the data record carries (devInst counts from 1).
+const std::string* Member(HANDLE set, const setupapi::DeviceInfoData* data) {
+  auto object = FindHandleAs<DeviceInfoSet>(set);
+  if (object == nullptr || data == nullptr || data->devInst == 0 ||
+      data->devInst > object->ids.size()) {
+    return nullptr;
+  }
+  return &object->ids[data->devInst - 1];
+}
+
+HANDLE WINAPI GetClassDevsA(const setupapi::ClassGuid* classGuid, const char* /*enumerator*/,
+                            HWND /*parent*/, DWORD flags) {
+  try {
+    if (classGuid == nullptr) {
+      platform::SetLastError(ERROR_INVALID_PARAMETER);  // all classes are not simulated
+      return INVALID_HANDLE_VALUE;
+    }
+    std::vector<std::string> ids = DevicesOfClass(GuidText(*classGuid));
+    if ((flags & setupapi::kPresentOnly) != 0) {
+      const auto machine = ActiveMachine();
+      std::erase_if(ids, [&machine](const std::string& id) { return !IsPresent(*machine, id); });
+    }
+    HANDLE set = AddHandle(std::make_shared<DeviceInfoSet>(std::move(ids)));
+    if (set == nullptr) {
+      platform::SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+      return INVALID_HANDLE_VALUE;
+    }
+    return set;
+  } catch (...) {
+    platform::SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return INVALID_HANDLE_VALUE;
+  }
+}
+
+BOOL WINAPI EnumDeviceInfo(HANDLE set, DWORD index, setupapi::DeviceInfoData* data) {
+  auto object = FindHandleAs<DeviceInfoSet>(set);
+  if (object == nullptr) {
+    return Fail(ERROR_INVALID_HANDLE);
+  }
+  if (data == nullptr || data->cbSize != sizeof(setupapi::DeviceInfoData)) {
+    return Fail(ERROR_INVALID_PARAMETER);
+  }
+  if (index >= object->ids.size()) {
+    return Fail(ERROR_NO_MORE_ITEMS);
+  }
+  data->classGuid = setupapi::kNetClass;
+  data->devInst = index + 1;
+  data->reserved = 0;
+  return TRUE;
+}
+
+// Copies `bytes` to the caller's buffer with SetupAPI's size protocol.
+BOOL CopyOut(const std::vector<BYTE>& bytes, BYTE* buffer, DWORD size, DWORD* required) {
+  if (required != nullptr) {
+    *required = static_cast<DWORD>(bytes.size());
+  }
+  if (buffer == nullptr || bytes.size() > size) {
+    return Fail(ERROR_INSUFFICIENT_BUFFER);
+  }
+  std::memcpy(buffer, bytes.data(), bytes.size());
+  return TRUE;
+}
+
+BOOL WINAPI GetDeviceInstanceIdA(HANDLE set, setupapi::DeviceInfoData* data, char* id, DWORD size,
+                                 DWORD* required) {
+  try {
+    const std::string* member = Member(set, data);
+    if (member == nullptr) {
+      return Fail(ERROR_INVALID_PARAMETER);
+    }
+    std::vector<BYTE> bytes(member->begin(), member->end());
+    bytes.push_back(0);
+    return CopyOut(bytes, reinterpret_cast<BYTE*>(id), size, required);
+  } catch (...) {
+    return Fail(ERROR_NOT_ENOUGH_MEMORY);
+  }
+}
+
+BOOL WINAPI GetDeviceRegistryPropertyA(HANDLE set, setupapi::DeviceInfoData* data, DWORD property,
+                                       DWORD* type, BYTE* buffer, DWORD size, DWORD* required) {
+  try {
+    const std::string* member = Member(set, data);
+    if (member == nullptr) {
+      return Fail(ERROR_INVALID_PARAMETER);
+    }
+    const char* name = property == setupapi::kDeviceDescription ? "DeviceDesc"
+                       : property == setupapi::kHardwareId      ? "HardwareID"
+                       : property == setupapi::kDriver          ? "Driver"
+                                                                : nullptr;
+    DWORD valueType = REG_NONE;
+    std::vector<BYTE> bytes;
+    if (name == nullptr ||
+        !ReadValue(std::string(kEnumKey) + "\\" + *member, name, valueType, bytes)) {
+      return Fail(setupapi::kInvalidData);
+    }
+    if (type != nullptr) {
+      *type = valueType;
+    }
+    return CopyOut(bytes, buffer, size, required);
+  } catch (...) {
+    return Fail(ERROR_NOT_ENOUGH_MEMORY);
+  }
+}
+
+BOOL WINAPI DestroyDeviceInfoList(HANDLE set) {
+  if (FindHandleAs<DeviceInfoSet>(set) == nullptr || !RemoveHandle(set)) {
+    return Fail(ERROR_INVALID_HANDLE);
+  }
+  return TRUE;
+}
+
+}  // namespace
+
+void AddSetupApiModule(Machine& machine) {
+  if (machine.release() == Release::Win95 || machine.release() == Release::WinNT4) {
+    return;  // these releases came without it
+  }
+  SimModule& module = machine.modules()["setupapi.dll"];
+  module.entryPoints["SetupDiGetClassDevsA"] = platform::AsProc(&GetClassDevsA);
+  module.entryPoints["SetupDiEnumDeviceInfo"] = platform::AsProc(&EnumDeviceInfo);
+  module.entryPoints["SetupDiGetDeviceInstanceIdA"] = platform::AsProc(&GetDeviceInstanceIdA);
+  module.entryPoints["SetupDiGetDeviceRegistryPropertyA"] =
+      platform::AsProc(&GetDeviceRegistryPropertyA);
+  module.entryPoints["SetupDiDestroyDeviceInfoList"] = platform::AsProc(&DestroyDeviceInfoList);
+}
+
+}  // namespace Hostkit::sim

@@ -1,0 +1,13 @@
+// Time forwarded to kernel32.
+#include "platform/time.h"
+
+namespace Hostkit::platform {
+
+void Sleep(DWORD milliseconds) { ::Sleep(milliseconds); }
+DWORD GetTickCount() { return ::GetTickCount(); }
+BOOL QueryPerformanceCounter(LARGE_INTEGER* count) { return ::QueryPerformanceCounter(count); }
+BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency) {
+  return ::QueryPerformanceFrequency(frequency);
+}
+
+}  // namespace Hostkit::platform
