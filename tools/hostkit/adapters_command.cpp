@@ -16,12 +16,6 @@ namespace {
 using Hostkit::StaticTcpipInfo;
 using Adapter = StaticTcpipInfo::AdapterInfo;
 
-std::string Narrow(const Hostkit::wstring& wide) {
-  std::string narrow;
-  Hostkit::ConvertUnicodeToANSI(wide, narrow);
-  return narrow;
-}
-
 std::string Join(const std::vector<std::string>& items, const char* separator) {
   std::string joined;
   for (const std::string& item : items) {

@@ -27,6 +27,13 @@ int RunHardware(std::ostream& out, std::ostream& err);
 // (name, cookie, type, DHCP or static addresses, DNS, WINS, flags), as a table or as JSON.
 int RunAdapters(bool json, std::ostream& out, std::ostream& err);
 
+// Text for printing and from the command line: the machine's ANSI code page to and from UTF-16
+// (empty when it does not convert).
+std::string Narrow(const Hostkit::wstring& text);
+Hostkit::wstring Wide(const std::string& text);
+// Prints "WHAT: done" and answers 0, or reports on `err` that WHAT could not be done and answers 1.
+int Done(bool ok, const std::string& what, std::ostream& out, std::ostream& err);
+
 // A key named on the command line, "ROOT\path" with ROOT a root key's long or short name.
 struct KeyName {
   HKEY root = nullptr;

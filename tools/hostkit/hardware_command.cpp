@@ -31,11 +31,6 @@ const char* TypeText(Drive::TYPE type) {
   return "unknown";
 }
 
-std::string Narrow(const Hostkit::wstring& text) {
-  std::string narrow;
-  return Hostkit::ConvertUnicodeToANSI(text, narrow) ? narrow : "?";
-}
-
 }  // namespace
 
 int RunHardware(std::ostream& out, std::ostream& /*err*/) {

@@ -40,27 +40,6 @@ const Protocol* FindProtocol(const std::string& keyword) {
   return nullptr;
 }
 
-wstring Wide(const std::string& text) {
-  wstring wide;
-  Hostkit::ConvertANSIToUnicode(text, wide);
-  return wide;
-}
-
-std::string Narrow(const wstring& text) {
-  std::string narrow;
-  Hostkit::ConvertUnicodeToANSI(text, narrow);
-  return narrow;
-}
-
-int Done(bool ok, const std::string& what, std::ostream& out, std::ostream& err) {
-  if (!ok) {
-    err << "hostkit: could not " << what << "\n";
-    return 1;
-  }
-  out << what << ": done\n";
-  return 0;
-}
-
 bool ParsePort(const std::string& text, int& port) {
   try {
     std::size_t used = 0;

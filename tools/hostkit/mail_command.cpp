@@ -10,30 +10,7 @@
 
 namespace hostkit_tool {
 
-namespace {
-
-std::string Narrow(const Hostkit::wstring& text) {
-  std::string narrow;
-  Hostkit::ConvertUnicodeToANSI(text, narrow);
-  return narrow;
-}
-
-Hostkit::wstring Wide(const std::string& text) {
-  Hostkit::wstring wide;
-  Hostkit::ConvertANSIToUnicode(text, wide);
-  return wide;
-}
-
-int Done(bool ok, const std::string& what, std::ostream& out, std::ostream& err) {
-  if (!ok) {
-    err << "hostkit: could not " << what << "\n";
-    return 1;
-  }
-  out << what << ": done\n";
-  return 0;
-}
-
-}  // namespace
+namespace {}  // namespace
 
 int RunMailList(std::ostream& out, std::ostream& err) {
   std::vector<Hostkit::ConfigureOE::AccountInfo> accounts;
