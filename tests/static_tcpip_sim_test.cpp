@@ -9,6 +9,7 @@
 #include "hostkit/regwiz.h"
 #include "hostkit/sim/machine.h"
 #include "hostkit/static_tcpip.h"
+#include "platform/sim/registry_store.h"
 #include "support/network_fixture.h"
 #include "support/sim_machine.h"
 
@@ -132,6 +133,143 @@ TEST_F(StaticTcpipSim, UsRoboticsAddressesAreFixedWithoutAskingTheDevice) {
   EXPECT_TRUE(Hostkit::adapters::QueryAdapterMacAddress(HK_WIDE("xUSRPCIAWRb"), address));
   EXPECT_EQ(address, "00-c0-49-43-0f-5d");
   EXPECT_FALSE(Hostkit::adapters::QueryAdapterMacAddress(HK_WIDE("usrpciawr3"), address));
+}
+
+// Every cookie-taking setter, each answering false.
+void ExpectEverySetterRefuses(const StaticTcpipInfo::Cookie& cookie) {
+  StaticTcpipInfo info;
+  EXPECT_FALSE(info.SetStaticIpAddress(cookie, "10.0.0.1"));
+  EXPECT_FALSE(info.SetStaticSubnetMask(cookie, "255.0.0.0"));
+  EXPECT_FALSE(info.SetStaticDefaultGateway(cookie, "10.0.0.254"));
+  EXPECT_FALSE(info.EnableDHCP(cookie, true));
+  EXPECT_FALSE(info.EnableDHCP(cookie, false));
+  EXPECT_FALSE(info.MakeDnsStatic(cookie, false));
+  EXPECT_FALSE(info.SetStaticNameServers(cookie, {"10.0.0.53"}));
+  EXPECT_FALSE(info.SetDomainName(cookie, "example.org"));
+  EXPECT_FALSE(info.SetWinsState(cookie, StaticTcpipInfo::WINS_DISABLED));
+  EXPECT_FALSE(info.SetStaticWinsServers(cookie, {"10.0.0.5"}));
+}
+
+class StaticTcpipSetterFailures : public hostkit_test::SimPerRelease {};
+
+TEST_P(StaticTcpipSetterFailures, UnknownCookieWritesNothing) {
+  std::string error;
+  hostkit_test::NetworkFixture fixture;
+  ASSERT_TRUE(fixture.Load(GetParam(), error)) << error;
+  auto& registry = Hostkit::sim::ActiveMachine()->registry();
+  const auto before = registry.snapshot();
+  ExpectEverySetterRefuses(StaticTcpipInfo::Cookie(HK_WIDE("No Such Adapter")));
+  ExpectEverySetterRefuses(StaticTcpipInfo::Cookie());
+  EXPECT_TRUE(registry.snapshot() == before);
+}
+
+// Without TCP/IP installed, DNS settings and the host name are refused for a real adapter too.
+TEST_P(StaticTcpipSetterFailures, TcpipNotInstalledWritesNothing) {
+  if (GetParam() == Release::WinXP) {
+    GTEST_SKIP() << "TCP/IP is always installed on Windows XP";
+  }
+  std::string error;
+  hostkit_test::NetworkFixture fixture;
+  ASSERT_TRUE(fixture.Load(GetParam(), error)) << error;
+  std::vector<StaticTcpipInfo::AdapterInfo> adapters;
+  StaticTcpipInfo info;
+  ASSERT_TRUE(info.GetAdapterInfo(adapters));
+  const auto cookie =
+      adapters.at(static_cast<size_t>(info.GetPrimaryNicIndex(adapters))).GetCookie();
+  const char* marker = isWin9x() ? "System\\CurrentControlSet\\Services\\VxD\\MSTCP"
+                       : GetParam() == Release::Win2000
+                           ? "SOFTWARE\\Microsoft\\TCPIP\\CurrentVersion"
+                           : "System\\CurrentControlSet\\Services\\Tcpip\\Parameters";
+  ASSERT_TRUE(RegWiz().DeleteKey(HKEY_LOCAL_MACHINE, marker));
+  ASSERT_FALSE(info.IsTcpipInstalled());
+  auto& registry = Hostkit::sim::ActiveMachine()->registry();
+  const auto before = registry.snapshot();
+  EXPECT_FALSE(info.SetStaticNameServers(cookie, {"10.0.0.53"}));
+  EXPECT_FALSE(info.SetDomainName(cookie, "example.org"));
+  EXPECT_FALSE(info.SetStaticHostName("nobody"));
+  std::string name = "stale";
+  EXPECT_FALSE(info.GetStaticHostName(name));
+  EXPECT_EQ(name, "");
+  EXPECT_TRUE(registry.snapshot() == before);
+}
+
+INSTANTIATE_TEST_SUITE_P(AllReleases, StaticTcpipSetterFailures,
+                         testing::ValuesIn(hostkit_test::AllReleases()),
+                         hostkit_test::ReleaseParamName);
+
+TEST_F(StaticTcpipSim, UnknownSystemRefusesEverySetter) {
+  hostkit_test::UseFreshMachine(Release::Unknown);
+  ExpectEverySetterRefuses(StaticTcpipInfo::Cookie(HK_WIDE("Dial-Up Adapter")));
+  EXPECT_FALSE(StaticTcpipInfo().SetStaticHostName("pc"));
+  EXPECT_FALSE(StaticTcpipInfo().IsTcpipInstalled());
+}
+
+TEST_F(StaticTcpipSim, Nt4WinsCanOnlyBeSwitchedOff) {
+  Load(Release::WinNT4);
+  const auto before = machine_->registry().snapshot();
+  StaticTcpipInfo info;
+  EXPECT_FALSE(info.SetWinsState(HK_WIDE("E100B1"), StaticTcpipInfo::WINS_ENABLED));
+  EXPECT_FALSE(info.SetWinsState(HK_WIDE("E100B1"), StaticTcpipInfo::WINS_USE_DHCP));
+  EXPECT_TRUE(machine_->registry().snapshot() == before);
+  // A third server is dropped: NT 4 keeps a server and a backup.
+  ASSERT_TRUE(info.SetStaticWinsServers(HK_WIDE("E100B1"), {"1.1.1.1", "2.2.2.2", "3.3.3.3"}));
+  EXPECT_EQ(Enumerate().at(1).GetStaticWinsServers(),
+            (std::vector<std::string>{"1.1.1.1", "2.2.2.2"}));
+}
+
+// Windows 9x WINS servers are numbered from 1; servers past the new count stay.
+TEST_F(StaticTcpipSim, Win9xWinsServersKeepOlderOnesBeyondTheNewCount) {
+  Load(Release::Win98);
+  const char16_t* realtek = HK_WIDE("Realtek RTL8139(A) PCI Fast Ethernet Adapter");
+  ASSERT_TRUE(StaticTcpipInfo().SetStaticWinsServers(realtek, {"10.0.0.9"}));
+  EXPECT_EQ(Enumerate().at(2).GetStaticWinsServers(),
+            (std::vector<std::string>{"10.0.0.9", "192.168.0.3"}));
+}
+
+TEST_F(StaticTcpipSim, DhcpIdentificationIsTheComputerNameForTheNextStart) {
+  Load(Release::WinXP);
+  // Without TCP/IP parameters the host name cannot follow; Windows 9x deletes a whole subtree,
+  // which is how the key goes here.
+  machine_->facts().release = Release::Win98;
+  ASSERT_TRUE(
+      reg_.DeleteKey(HKEY_LOCAL_MACHINE, "System\\CurrentControlSet\\Services\\Tcpip\\Parameters"));
+  machine_->facts().release = Release::WinXP;
+  StaticTcpipInfo info;
+  EXPECT_TRUE(info.SetDhcpIdentification("NEWNAME"));
+  EXPECT_FALSE(info.SetDhcpIdentification("has space"));
+  std::string next;
+  ASSERT_TRUE(reg_.GetKeyVal(HKEY_LOCAL_MACHINE,
+                             "System\\CurrentControlSet\\Control\\ComputerName\\ComputerName",
+                             "ComputerName", next));
+  EXPECT_EQ(next, "NEWNAME");
+  std::string current;
+  ASSERT_TRUE(info.GetDhcpIdentification(current));
+  EXPECT_EQ(current, "XPPC");  // the name in use until Windows starts again
+}
+
+TEST_F(StaticTcpipSim, DialUpComponentsOfWindows9x) {
+  Load(Release::Win98);
+  StaticTcpipInfo info;
+  EXPECT_EQ(info.NumMicrosoftDialupAdapters(), 1);
+  EXPECT_TRUE(info.IsMicrosoftVpnInstalled());
+  EXPECT_TRUE(info.IsNonFunctionalNicPresent());  // the NE2000 card
+  ASSERT_TRUE(info.EnableIPAC(false));
+  unsigned long ipac = 1;
+  ASSERT_TRUE(reg_.GetDwordKeyVal(HKEY_LOCAL_MACHINE,
+                                  "System\\CurrentControlSet\\Services\\VxD\\DHCP",
+                                  "IPAutoconfigurationEnabled", ipac));
+  EXPECT_EQ(ipac, 0U);
+  Load(Release::Win95);
+  EXPECT_FALSE(info.IsMicrosoftVpnInstalled());
+  EXPECT_FALSE(info.EnableIPAC(true));
+  EXPECT_FALSE(info.IsMsDun13Installad());
+  const std::string components =
+      "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Setup\\OptionalComponents\\";
+  for (const char* component : {"RNASERV", "VPN"}) {
+    EXPECT_FALSE(info.IsMsDun13Installad());
+    ASSERT_TRUE(reg_.CreateKey(HKEY_LOCAL_MACHINE, (components + component).c_str()));
+  }
+  EXPECT_TRUE(info.IsMsDun13Installad());
 }
 
 }  // namespace

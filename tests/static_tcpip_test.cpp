@@ -73,7 +73,7 @@ const std::vector<std::string> kWin98 = {
     "dns"
     " 192.168.0.2,192.168.0.3,10.0.0.53 home.example | wins 0  | DIFNSH",
     "Microsoft Virtual Private Networking Adapter | cookie Microsoft Virtual Private Networking "
-    "Adapter | service  | driver pppmac.vxd |    | mac  | Root | dns 192.168.0.2,192.168.0.3,"
+    "Adapter | service  | driver netpptp.sys |    | mac  | Root | dns 192.168.0.2,192.168.0.3,"
     "10.0.0.53 home.example | wins 1  | IFNSH",
 };
 

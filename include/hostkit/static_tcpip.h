@@ -111,6 +111,56 @@ class HOSTKIT_API StaticTcpipInfo {
   // order. False on a system of no known family (nothing appended).
   bool GetAdapterInfo(std::vector<AdapterInfo>& adapters);
 
+  // Setters of one adapter, named by its cookie. Each returns false without writing when the
+  // cookie names no adapter of the running family, or on a system of no known family. Texts are
+  // written as given: callers check address syntax first (IsValidIPAddress).
+  bool SetStaticIpAddress(const Cookie& cookie, const char* address);
+  bool SetStaticSubnetMask(const Cookie& cookie, const char* mask);
+  bool SetStaticDefaultGateway(const Cookie& cookie, const char* gateway);
+  bool EnableDHCP(const Cookie& cookie, bool enable);
+  bool MakeDnsStatic(const Cookie& cookie, bool isStatic);
+  bool SetStaticNameServers(const Cookie& cookie, const std::vector<std::string>& servers);
+  bool SetDomainName(const Cookie& cookie, const char* domain);
+  bool SetWinsState(const Cookie& cookie, WINS_STATE state);
+  bool SetStaticWinsServers(const Cookie& cookie, const std::vector<std::string>& servers);
+
+  // The machine's TCP/IP host name, and its DHCP identification (the computer name, which
+  // takes effect at the next start of Windows).
+  bool SetStaticHostName(const char* name);
+  bool GetStaticHostName(std::string& name);
+  bool SetDhcpIdentification(const char* name);
+  bool GetDhcpIdentification(std::string& name);
+
+  // Counts over `adapters`, or over a fresh enumeration when it is null.
+  int NumNICs(std::vector<AdapterInfo>* adapters = nullptr);
+  int NumTcpipBoundNICs(std::vector<AdapterInfo>* adapters = nullptr);
+  int NumTcpipBoundAndEnabledNICs(std::vector<AdapterInfo>* adapters = nullptr);
+  // The same count as NumTcpipBoundAndEnabledNICs: whether DHCP is on is not consulted.
+  int NumEnabledDhcpNics(std::vector<AdapterInfo>* adapters = nullptr);
+  // Any record, network card or not, that is not functional.
+  bool IsNonFunctionalNicPresent(std::vector<AdapterInfo>* adapters = nullptr);
+  // Always the empty text, false and the empty text.
+  std::string BadNicDescription(std::vector<AdapterInfo>* adapters = nullptr);
+  bool IsUnknownNicPresent(std::vector<AdapterInfo>* adapters = nullptr);
+  std::string UnknownNicDescription(std::vector<AdapterInfo>* adapters = nullptr);
+  // The index of the only Ethernet adapter that is bound, functional and enabled; -1 when none
+  // or several are.
+  int GetPrimaryNicIndex(std::vector<AdapterInfo> adapters);
+
+  bool IsTcpipInstalled();
+  // Always FAILURE_UNKNOWN: no operation records a reason.
+  FAILURE_REASON GetLastError();
+  int NumMicrosoftDialupAdapters();
+  bool IsMicrosoftVpnInstalled();
+  bool SetTcpipAsDefaultProtocol();
+  // Windows 98 and Me: switches automatic private addressing; false elsewhere.
+  bool EnableIPAC(bool enable);
+  // Windows 95 with Dial-Up Networking 1.3 (the dial-up server and VPN components).
+  bool IsMsDun13Installad();
+  // TCP/IP is not installed by the library: Windows' network set-up does that from the Windows
+  // source folder `source`. True when TCP/IP is installed already, false otherwise.
+  bool InstallTcpip(const std::string& source);
+
  private:
   Pimpl<StaticTcpipInfo_impl> impl_;
 };

@@ -393,6 +393,7 @@ struct SERVICE_STATUS {
   DWORD dwCheckPoint;
   DWORD dwWaitHint;
 };
+constexpr DWORD SC_MANAGER_CONNECT = 0x0001;
 constexpr DWORD SC_MANAGER_ALL_ACCESS = 0xF003F;
 constexpr DWORD SERVICE_ALL_ACCESS = 0xF01FF;
 constexpr DWORD SERVICE_QUERY_STATUS = 0x0004;
@@ -403,6 +404,16 @@ constexpr DWORD SERVICE_RUNNING = 4;
 constexpr DWORD SERVICE_KERNEL_DRIVER = 0x00000001;
 constexpr LONG ERROR_INVALID_SERVICE_CONTROL = 1052;
 constexpr LONG ERROR_SERVICE_DOES_NOT_EXIST = 1060;
+
+// Windows and messages (user32).
+#define CALLBACK
+using WNDENUMPROC = BOOL(CALLBACK*)(HWND, LPARAM);
+constexpr UINT GW_HWNDNEXT = 2;
+constexpr UINT GW_CHILD = 5;
+constexpr UINT WM_CLOSE = 0x0010;
+constexpr UINT WM_COMMAND = 0x0111;
+constexpr UINT BM_SETCHECK = 0x00F1;
+constexpr LONG ERROR_INVALID_WINDOW_HANDLE = 1400;
 
 namespace Hostkit {
 using WCHAR = ::WCHAR;

@@ -7,8 +7,8 @@
 #include <algorithm>
 
 #include "adapters/mac_address_lookup.h"
+#include "foundation/service_state.h"
 #include "hostkit/strings.h"
-#include "platform/services.h"
 #include "tcpip_static/adapter_record.h"
 #include "tcpip_static/enumeration.h"
 
@@ -34,31 +34,14 @@ bool IsEnabled(RegWiz& registry, const std::string& name) {
   return own.empty() || std::find(disabled.begin(), disabled.end(), own.front()) == disabled.end();
 }
 
-// Whether the card's driver service is running, asked of the service control manager.
-bool IsServiceRunning(const std::string& serviceName) {
-  SC_HANDLE manager = platform::OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
-  if (manager == nullptr) {
-    return false;
-  }
-  bool running = false;
-  SC_HANDLE service = platform::OpenServiceA(manager, serviceName.c_str(), SERVICE_ALL_ACCESS);
-  if (service != nullptr) {
-    SERVICE_STATUS status{};
-    running = platform::QueryServiceStatus(service, &status) != FALSE &&
-              status.dwCurrentState == SERVICE_RUNNING;
-    platform::CloseServiceHandle(service);
-  }
-  platform::CloseServiceHandle(manager);
-  return running;
-}
-
 // The disabled test is made on the entry's key path, not on a service name, so it finds no
 // linkage and passes on to the service control manager.
 bool IsFunctional(RegWiz& registry, const std::string& entry) {
   if (!IsEnabled(registry, entry)) {
     return true;
   }
-  return IsServiceRunning(ReadText(registry, entry, "ProductName"));
+  return IsServiceRunning(ReadText(registry, entry, "ProductName"), SC_MANAGER_ALL_ACCESS,
+                          SERVICE_ALL_ACCESS);
 }
 
 void ReadTcpip(RegWiz& registry, const std::string& tcpipKey, AdapterRecordAccess::Fields& f) {

@@ -10,7 +10,12 @@ namespace Hostkit {
 
 class StaticTcpipInfo_impl {
  public:
-  bool GetAdapterInfo(std::vector<StaticTcpipInfo::AdapterInfo>& adapters);
+  using AdapterInfo = StaticTcpipInfo::AdapterInfo;
+
+  bool GetAdapterInfo(std::vector<AdapterInfo>& adapters);
+  // The records to count: the caller's, or a fresh enumeration held in `own`.
+  const std::vector<AdapterInfo>& Records(std::vector<AdapterInfo>* adapters,
+                                          std::vector<AdapterInfo>& own);
 };
 
 }  // namespace Hostkit

@@ -34,6 +34,21 @@ Hostkit::wstring Wide(const std::string& text);
 // Prints "WHAT: done" and answers 0, or reports on `err` that WHAT could not be done and answers 1.
 int Done(bool ok, const std::string& what, std::ostream& out, std::ostream& err);
 
+// `hostkit adapter ADAPTER ACTION ARGS...`: ADAPTER is a cookie or a number of `hostkit
+// adapters`; ACTION is "dhcp", "static IP MASK [GATEWAY]", "dns SERVER...", "domain NAME" or
+// "wins SERVER...|off".
+int RunAdapterChange(const std::string& adapter, const std::string& action,
+                     const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+// `hostkit hostname [NAME]`: prints the TCP/IP host name, or sets it.
+int RunHostName(const std::string& name, std::ostream& out, std::ostream& err);
+// `hostkit summary`: the adapter counts, the primary adapter and the TCP/IP installation.
+int RunSummary(std::ostream& out, std::ostream& err);
+
+// Ends a command: after a command that succeeded, writes the machine to `saveFile` (a profile
+// and a .reg beside it) when one is given. Returns the command's exit code, or 1 when saving
+// fails.
+int FinishCommand(int status, const std::string& saveFile, std::ostream& err);
+
 // A key named on the command line, "ROOT\path" with ROOT a root key's long or short name.
 struct KeyName {
   HKEY root = nullptr;
@@ -86,6 +101,34 @@ int RunMailAdd(const MailAccountArgs& args, std::ostream& out, std::ostream& err
 int RunMailRemove(const std::string& name, const std::string& identity, std::ostream& out,
                   std::ostream& err);
 int RunIdentityRemove(const std::string& name, std::ostream& out, std::ostream& err);
+
+// `hostkit tweak broadband`, `hostkit lan on|off|status`: the broadband tuning and the LAN
+// switch through BroadbandPerformanceTweak, EnableLAN and IsLANEnabled.
+int RunTweakBroadband(std::ostream& out, std::ostream& err);
+int RunLan(const std::string& action, std::ostream& out, std::ostream& err);
+
+// `hostkit sharing status|off`, `hostkit cabs set FOLDER|restore`: Windows 9x file and print
+// sharing and set-up source folder through FileAndPrintSharing and CabFiles.
+int RunSharingStatus(std::ostream& out, std::ostream& err);
+int RunSharingOff(std::ostream& out, std::ostream& err);
+int RunCabsSet(const std::string& folder, std::ostream& out, std::ostream& err);
+int RunCabsRestore(std::ostream& out, std::ostream& err);
+
+// `hostkit windows list|wait|click|close`: the top-level windows with their controls (handle,
+// dialog identifier, title), and WindowController's waits, clicks and closing on the windows
+// whose titles match the patterns. On the simulation these are the windows of the profile.
+struct WindowArgs {
+  std::string title, control;
+  int timeout = 0;  // seconds; 0: the controller's default
+  int interval = 50;
+  bool gone = false;
+  bool includeHidden = false;
+  std::string radio;  // "on" or "off": ClickRadioButton instead of ClickButton
+};
+int RunWindowsList(std::ostream& out, std::ostream& err);
+int RunWindowsWait(const WindowArgs& args, std::ostream& out, std::ostream& err);
+int RunWindowsClick(const WindowArgs& args, std::ostream& out, std::ostream& err);
+int RunWindowsClose(const WindowArgs& args, std::ostream& out, std::ostream& err);
 
 // Calls `write` with the Windows path under which the library writes the host file
 // `hostFile`. On Windows that is the file itself; the simulated build lets the library write on

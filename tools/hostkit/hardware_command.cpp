@@ -1,11 +1,12 @@
-// hostkit hardware: the processor, memory and drives as the library's CPU, RAM and Drive report
-// them.
+// hostkit hardware: the processor, memory, drives and USB ports as the library's CPU, RAM, Drive
+// and Usb report them.
 #include <ostream>
 #include <string>
 
 #include "commands.h"
 #include "hostkit/inventory.h"
 #include "hostkit/strings.h"
+#include "hostkit/usb.h"
 
 namespace hostkit_tool {
 
@@ -55,6 +56,14 @@ int RunHardware(std::ostream& out, std::ostream& /*err*/) {
       out << ", " << total << " MB, " << drive.FreeSpace(letter, Drive::MEGABYTES) << " MB free";
     }
     out << "\n";
+  }
+  Hostkit::Usb usb;
+  out << "USB: " << (usb.DoesSupportUsb() ? "supported" : "not supported") << "\n";
+  const int ports = usb.NumberOfPortsExisting();
+  if (ports >= 0) {
+    out << "USB ports: " << ports << ", " << usb.NumberOfPortsOpen() << " free\n";
+  } else {
+    out << "USB ports: not counted on this release\n";
   }
   return 0;
 }

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <ostream>
 #include <random>
 
 #include "commands.h"
@@ -38,6 +39,18 @@ std::shared_ptr<Hostkit::sim::Machine> LoadDefaultMachine(std::string& error) {
 }
 
 }  // namespace
+
+int FinishCommand(int status, const std::string& saveFile, std::ostream& err) {
+  if (status != 0 || saveFile.empty()) {
+    return status;
+  }
+  std::string error;
+  if (!Hostkit::sim::SaveMachineProfile(*Hostkit::sim::ActiveMachine(), saveFile, error)) {
+    err << "hostkit: " << error << "\n";
+    return 1;
+  }
+  return 0;
+}
 
 bool UseMachine(const std::string& file, std::string& error) {
   auto machine =

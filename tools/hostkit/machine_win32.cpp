@@ -1,5 +1,6 @@
 // The machine of the Windows build is the one the tool runs on; profiles do not apply.
 #include <filesystem>
+#include <ostream>
 
 #include "commands.h"
 
@@ -24,6 +25,16 @@ bool WriteHostFile(const std::string& hostFile,
     return false;
   }
   return true;
+}
+
+// The tool acts on this computer itself: there is no machine to save.
+int FinishCommand(int status, const std::string& saveFile, std::ostream& err) {
+  if (status == 0 && !saveFile.empty()) {
+    err << "hostkit: --save needs a simulated machine; on Windows the changes are made to this "
+           "computer\n";
+    return 1;
+  }
+  return status;
 }
 
 }  // namespace hostkit_tool

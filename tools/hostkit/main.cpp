@@ -11,6 +11,7 @@ namespace {
 
 int Run(int argc, char** argv) {
   CLI::App app{"hostkit: asks the Hostkit3 library about a Windows machine"};
+  app.fallthrough();  // --machine and --save may also follow the command
   std::string machine;
   app.add_option("--machine", machine,
                  "machine profile (JSON) to run on instead of the built-in Windows XP home PC");
@@ -18,6 +19,28 @@ int Run(int argc, char** argv) {
   CLI::App* os = app.add_subcommand("os", "release, version, language and administrator facts");
   CLI::App* hardware =
       app.add_subcommand("hardware", "processors, speed, vendor, memory and drives");
+  std::string saveFile;
+  app.add_option("--save", saveFile,
+                 "after a successful command, write the machine to this profile (and a .reg "
+                 "beside it)");
+  CLI::App* adapter = app.add_subcommand(
+      "adapter",
+      "change one adapter: dhcp | static IP MASK [GATEWAY] | dns SERVER... | domain "
+      "NAME | wins SERVER...|off");
+  std::string adapterName;
+  std::string adapterAction;
+  std::vector<std::string> adapterArgs;
+  adapter->add_option("ADAPTER", adapterName, "cookie or number from `hostkit adapters`")
+      ->required();
+  adapter->add_option("ACTION", adapterAction, "what to change")
+      ->required()
+      ->check(CLI::IsMember({"dhcp", "static", "dns", "domain", "wins"}));
+  adapter->add_option("ARGS", adapterArgs, "the action's addresses or name");
+  CLI::App* hostname = app.add_subcommand("hostname", "print or set the TCP/IP host name");
+  std::string hostName;
+  hostname->add_option("NAME", hostName, "the new host name");
+  CLI::App* summary =
+      app.add_subcommand("summary", "adapter counts, primary adapter, TCP/IP installation");
   CLI::App* adapters =
       app.add_subcommand("adapters", "stored TCP/IP settings of every network adapter");
   bool adaptersJson = false;
@@ -95,6 +118,45 @@ int Run(int argc, char** argv) {
   std::string identityName;
   identityRemove->add_option("NAME", identityName, "the identity's user name")->required();
 
+  CLI::App* tweak = app.add_subcommand("tweak", "TCP/IP tuning");
+  tweak->require_subcommand(1);
+  CLI::App* tweakBroadband =
+      tweak->add_subcommand("broadband", "tune TCP/IP and the browser for broadband Ethernet");
+  CLI::App* lan = app.add_subcommand("lan", "the LAN switch (automatic dialling off or on)");
+  std::string lanAction;
+  lan->add_option("ACTION", lanAction, "on, off or status")
+      ->required()
+      ->check(CLI::IsMember({"on", "off", "status"}));
+  CLI::App* sharing = app.add_subcommand("sharing", "Windows 9x file and print sharing");
+  sharing->require_subcommand(1);
+  CLI::App* sharingStatus = sharing->add_subcommand("status", "whether each half is on");
+  CLI::App* sharingOff = sharing->add_subcommand("off", "switch file and print sharing off");
+  CLI::App* cabs = app.add_subcommand("cabs", "the Windows 9x set-up source folder");
+  cabs->require_subcommand(1);
+  CLI::App* cabsSet = cabs->add_subcommand("set", "point Windows set-up at FOLDER");
+  std::string cabsFolder;
+  cabsSet->add_option("FOLDER", cabsFolder, "e.g. C:\\WINDOWS\\OPTIONS\\CABS")->required();
+  CLI::App* cabsRestore = cabs->add_subcommand("restore", "put back the previous folder");
+
+  CLI::App* windows = app.add_subcommand("windows", "other programs' windows (WindowController)");
+  windows->require_subcommand(1);
+  hostkit_tool::WindowArgs windowArgs;
+  CLI::App* windowsList = windows->add_subcommand("list", "top-level windows and their controls");
+  CLI::App* windowsWait = windows->add_subcommand("wait", "wait for a window to appear or go");
+  CLI::App* windowsClick = windows->add_subcommand("click", "click a button or radio button");
+  CLI::App* windowsClose = windows->add_subcommand("close", "post WM_CLOSE to a window");
+  for (CLI::App* command : {windowsWait, windowsClick, windowsClose}) {
+    command->add_option("TITLE", windowArgs.title, "window-title pattern")->required();
+    command->add_option("CONTROL", windowArgs.control, "control-title pattern")
+        ->required(command == windowsClick);
+  }
+  windowsWait->add_option("--timeout", windowArgs.timeout, "seconds (0: no practical limit)");
+  windowsWait->add_option("--interval", windowArgs.interval, "milliseconds between checks");
+  windowsWait->add_flag("--gone", windowArgs.gone, "wait for the window to disappear");
+  windowsWait->add_flag("--include-hidden", windowArgs.includeHidden, "hidden windows count");
+  windowsClick->add_option("--radio", windowArgs.radio, "on or off: click a radio button")
+      ->check(CLI::IsMember({"on", "off"}));
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -107,58 +169,133 @@ int Run(int argc, char** argv) {
     return 1;
   }
   if (os->parsed()) {
-    return hostkit_tool::RunOs(std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(hostkit_tool::RunOs(std::cout, std::cerr), saveFile,
+                                       std::cerr);
   }
   if (hardware->parsed()) {
-    return hostkit_tool::RunHardware(std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(hostkit_tool::RunHardware(std::cout, std::cerr), saveFile,
+                                       std::cerr);
+  }
+  if (adapter->parsed()) {
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunAdapterChange(adapterName, adapterAction, adapterArgs, std::cout,
+                                       std::cerr),
+        saveFile, std::cerr);
+  }
+  if (hostname->parsed()) {
+    return hostkit_tool::FinishCommand(hostkit_tool::RunHostName(hostName, std::cout, std::cerr),
+                                       saveFile, std::cerr);
+  }
+  if (summary->parsed()) {
+    return hostkit_tool::FinishCommand(hostkit_tool::RunSummary(std::cout, std::cerr), saveFile,
+                                       std::cerr);
   }
   if (adapters->parsed()) {
-    return hostkit_tool::RunAdapters(adaptersJson, std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunAdapters(adaptersJson, std::cout, std::cerr), saveFile, std::cerr);
   }
   if (query->parsed()) {
-    return hostkit_tool::RunRegQuery(key, std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(hostkit_tool::RunRegQuery(key, std::cout, std::cerr),
+                                       saveFile, std::cerr);
   }
   if (proxyShow->parsed()) {
-    return hostkit_tool::RunProxyShow(std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(hostkit_tool::RunProxyShow(std::cout, std::cerr), saveFile,
+                                       std::cerr);
   }
   if (proxySet->parsed()) {
-    return hostkit_tool::RunProxySet(proxyArgs, std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(hostkit_tool::RunProxySet(proxyArgs, std::cout, std::cerr),
+                                       saveFile, std::cerr);
   }
   if (proxyClear->parsed()) {
-    return hostkit_tool::RunProxyClear(proxyProtocol, std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunProxyClear(proxyProtocol, std::cout, std::cerr), saveFile, std::cerr);
   }
   if (proxyExceptions->parsed()) {
-    return hostkit_tool::RunProxyExceptions(exceptionList, localBypass, std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunProxyExceptions(exceptionList, localBypass, std::cout, std::cerr),
+        saveFile, std::cerr);
   }
   if (ieShow->parsed()) {
-    return hostkit_tool::RunIeShow(std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(hostkit_tool::RunIeShow(std::cout, std::cerr), saveFile,
+                                       std::cerr);
   }
   if (ieHomePage->parsed()) {
-    return hostkit_tool::RunIeHomePage(homePage, std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(hostkit_tool::RunIeHomePage(homePage, std::cout, std::cerr),
+                                       saveFile, std::cerr);
   }
   if (ieWizard->parsed()) {
-    return hostkit_tool::RunIeWizardOff(std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(hostkit_tool::RunIeWizardOff(std::cout, std::cerr), saveFile,
+                                       std::cerr);
   }
   if (favoritesList->parsed()) {
-    return hostkit_tool::RunFavoritesList(std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(hostkit_tool::RunFavoritesList(std::cout, std::cerr),
+                                       saveFile, std::cerr);
   }
   if (favoritesAdd->parsed()) {
-    return hostkit_tool::RunFavoritesAdd(favoriteName, favoriteUrl, std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunFavoritesAdd(favoriteName, favoriteUrl, std::cout, std::cerr), saveFile,
+        std::cerr);
   }
   if (mailList->parsed()) {
-    return hostkit_tool::RunMailList(std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(hostkit_tool::RunMailList(std::cout, std::cerr), saveFile,
+                                       std::cerr);
   }
   if (mailAdd->parsed()) {
-    return hostkit_tool::RunMailAdd(mailArgs, std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(hostkit_tool::RunMailAdd(mailArgs, std::cout, std::cerr),
+                                       saveFile, std::cerr);
   }
   if (mailRemove->parsed()) {
-    return hostkit_tool::RunMailRemove(mailRemoveName, mailRemoveIdentity, std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunMailRemove(mailRemoveName, mailRemoveIdentity, std::cout, std::cerr),
+        saveFile, std::cerr);
   }
   if (identityRemove->parsed()) {
-    return hostkit_tool::RunIdentityRemove(identityName, std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunIdentityRemove(identityName, std::cout, std::cerr), saveFile, std::cerr);
+  }
+  if (tweakBroadband->parsed()) {
+    return hostkit_tool::FinishCommand(hostkit_tool::RunTweakBroadband(std::cout, std::cerr),
+                                       saveFile, std::cerr);
+  }
+  if (lan->parsed()) {
+    return hostkit_tool::FinishCommand(hostkit_tool::RunLan(lanAction, std::cout, std::cerr),
+                                       saveFile, std::cerr);
+  }
+  if (sharingStatus->parsed()) {
+    return hostkit_tool::FinishCommand(hostkit_tool::RunSharingStatus(std::cout, std::cerr),
+                                       saveFile, std::cerr);
+  }
+  if (sharingOff->parsed()) {
+    return hostkit_tool::FinishCommand(hostkit_tool::RunSharingOff(std::cout, std::cerr), saveFile,
+                                       std::cerr);
+  }
+  if (cabsSet->parsed()) {
+    return hostkit_tool::FinishCommand(hostkit_tool::RunCabsSet(cabsFolder, std::cout, std::cerr),
+                                       saveFile, std::cerr);
+  }
+  if (cabsRestore->parsed()) {
+    return hostkit_tool::FinishCommand(hostkit_tool::RunCabsRestore(std::cout, std::cerr), saveFile,
+                                       std::cerr);
+  }
+  if (windowsList->parsed()) {
+    return hostkit_tool::FinishCommand(hostkit_tool::RunWindowsList(std::cout, std::cerr), saveFile,
+                                       std::cerr);
+  }
+  if (windowsWait->parsed()) {
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunWindowsWait(windowArgs, std::cout, std::cerr), saveFile, std::cerr);
+  }
+  if (windowsClick->parsed()) {
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunWindowsClick(windowArgs, std::cout, std::cerr), saveFile, std::cerr);
+  }
+  if (windowsClose->parsed()) {
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunWindowsClose(windowArgs, std::cout, std::cerr), saveFile, std::cerr);
   }
   if (backup->parsed()) {
-    return hostkit_tool::RunBackup(backupKeys, backupFile, std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunBackup(backupKeys, backupFile, std::cout, std::cerr), saveFile, std::cerr);
   }
   return 1;
 }

@@ -156,16 +156,100 @@ struct SimModule {
   std::map<std::string, FARPROC> entryPoints;
 };
 
+// A port of a simulated USB hub and what is plugged into it.
+struct SimUsbPort {
+  DWORD status = 0;         // connection status: 0 no device, 1 connected, 2 to 5 failures
+  bool queryFails = false;  // the port's connection information cannot be read
+  WORD vendorId = 0;        // the attached device's descriptor
+  WORD productId = 0;
+  std::string driverKey;  // the attached device's driver key name; empty: none
+  std::string hub;        // the attached hub's device interface name; empty: not a hub
+};
+
+// The USB role of a kernel device: a host controller names its driver key and root hub (an
+// empty root-hub name makes that query fail); a hub has its ports, numbered from 1.
+struct SimUsb {
+  enum class Role { None, HostController, Hub };
+  Role role = Role::None;
+  std::string driverKey;
+  std::string rootHub;
+  std::vector<SimUsbPort> ports;
+};
+
 // A kernel device ("\Device\NAME") a driver serves. A network adapter's driver answers the NDIS
 // statistics query from `ndisObjects` (object identifier to data); the supported-list object
-// (0x00010101) is answered from the identifiers present unless the profile gives it.
+// (0x00010101) is answered from the identifiers present unless the profile gives it. A USB host
+// controller or hub answers the USB driver stack's requests from `usb`.
 struct SimDevice {
   std::map<DWORD, std::vector<BYTE>> ndisObjects;
+  SimUsb usb;
+};
+
+// A control request sent to a device (DeviceIoControl), as the machine records it.
+struct DeviceRequest {
+  std::string device;  // the device's name (after "\Device\")
+  DWORD controlCode = 0;
+  DWORD inSize = 0;
+  DWORD outSize = 0;
 };
 
 // A service the service control manager knows: its current state (SERVICE_RUNNING, ...).
 struct SimService {
   DWORD state = SERVICE_STOPPED;
+};
+
+// A window of the machine: a top-level window or a control inside one. It exists from
+// `appearsAt` until `disappearsAt` (virtual time in nanoseconds), so that a test can schedule
+// a window to come and go while the library waits.
+struct SimWindow {
+  static constexpr std::uint64_t kNever = ~std::uint64_t{0};
+
+  std::string className;
+  std::u16string title;
+  bool narrowTitle = false;  // the title reads only as narrow text (GetWindowTextW gives nothing)
+  int controlId = 0;         // a control's dialog identifier
+  bool visible = true;
+  bool closes = true;    // WM_CLOSE destroys a top-level window, as its default handling does
+  bool checked = false;  // a button's check state, set by BM_SETCHECK
+  std::uint64_t appearsAt = 0;
+  std::uint64_t disappearsAt = kNever;
+};
+
+// A message posted to a window of the machine (PostMessage). Only WM_CLOSE and BM_SETCHECK act.
+struct PostedMessage {
+  HWND window = nullptr;
+  UINT message = 0;
+  WPARAM wParam = 0;
+  LPARAM lParam = 0;
+};
+
+// The machine's windows: top-level windows in Z order (first is topmost), each with its
+// controls in order, and the log of posted messages. Windows are only ever added; one that has
+// gone keeps its handle, which then names no window.
+class HOSTKIT_API WindowTree {
+ public:
+  // Adds `window` after the existing top-level windows (`parent` null) or after the children
+  // of `parent`; its handle, or null when `parent` is unknown.
+  HWND add(SimWindow window, HWND parent = nullptr);
+  // The window a handle was given to, whether or not it exists now; null for any other value.
+  SimWindow* find(HWND handle);
+  HWND parent(HWND handle) const;
+  // The top-level windows (`parent` null) or the children of `parent`, existing or not.
+  std::vector<HWND> children(HWND parent) const;
+  // Whether the window and every window above it exist at virtual time `now`.
+  bool exists(HWND handle, std::uint64_t now) const;
+  std::vector<PostedMessage>& posted() { return posted_; }
+
+ private:
+  struct Node {
+    SimWindow window;
+    HWND parent = nullptr;
+    std::vector<HWND> children;
+  };
+  std::map<HWND, Node> nodes_;
+  std::vector<HWND> topLevel_;
+  std::vector<PostedMessage> posted_;
+  std::uintptr_t nextHandle_ = 0x10010;
 };
 
 class RegistryStore;
@@ -209,6 +293,10 @@ class HOSTKIT_API Machine {
   // Instance identifiers of the devices that are present ("PCI\VEN_8086&...\3&...&0&40"), as
   // the device-setup listing reports them; a device key without one is an absent device.
   std::vector<std::string>& presentDevices() { return presentDevices_; }
+  // Top-level windows, their controls and the messages posted to them.
+  WindowTree& windows() { return windows_; }
+  // Every control request sent to a device so far, oldest first.
+  std::vector<DeviceRequest>& deviceRequests() { return deviceRequests_; }
 
  private:
   MachineFacts facts_;
@@ -222,6 +310,8 @@ class HOSTKIT_API Machine {
   std::map<std::string, std::vector<std::string>, NoCaseLess> dosDevices_;
   std::map<std::string, SimService, NoCaseLess> services_;
   std::vector<std::string> presentDevices_;
+  WindowTree windows_;
+  std::vector<DeviceRequest> deviceRequests_;
 };
 
 // The machine the seam serves on the calling thread. Never null: before a host program

@@ -2,8 +2,9 @@
 //
 // "\\.\NAME" opens the device that the DOS device name NAME points at: its definition in force
 // must be "\Device\DEVICE" for a device of the machine. NDIS network drivers answer the global
-// statistics query from their object table; other control codes are not understood by any
-// simulated driver.
+// statistics query from their object table; USB host controllers and hubs answer the USB
+// device interface (platform/sim/usb_stack.cpp); other control codes are not understood by any
+// simulated driver. Every request is recorded on the machine.
 #include "platform/devices.h"
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 
 #include "hostkit/sim/machine.h"
 #include "platform/sim/handle_table.h"
+#include "platform/sim/usb_stack.h"
 #include "platform/system_info.h"
 
 namespace Hostkit::sim {
@@ -34,6 +36,10 @@ class DeviceObject : public KernelObject {
   const SimDevice* Device() const {
     auto found = machine_->devices().find(name_);
     return found != machine_->devices().end() ? &found->second : nullptr;
+  }
+
+  void Record(DWORD controlCode, DWORD inSize, DWORD outSize) const {
+    machine_->deviceRequests().push_back({name_, controlCode, inSize, outSize});
   }
 
  private:
@@ -212,11 +218,15 @@ BOOL DeviceIoControl(HANDLE device, DWORD controlCode, void* inBuffer, DWORD inS
     if (served == nullptr) {
       return sim::Fail(ERROR_GEN_FAILURE);  // the device went away
     }
+    object->Record(controlCode, inSize, outSize);
     DWORD ignored = 0;
     DWORD& returned = bytesReturned != nullptr ? *bytesReturned : ignored;
     returned = 0;
     if (controlCode == sim::kNdisQueryGlobalStats && !served->ndisObjects.empty()) {
       return sim::NdisQuery(*served, inBuffer, inSize, outBuffer, outSize, &returned);
+    }
+    if (sim::IsUsbRequest(*served, controlCode)) {
+      return sim::UsbRequest(*served, controlCode, inBuffer, inSize, outBuffer, outSize, &returned);
     }
     return sim::Fail(ERROR_INVALID_FUNCTION);
   } catch (...) {

@@ -29,6 +29,13 @@ constexpr NamedNumber kServiceStates[] = {
     {"running", SERVICE_RUNNING},
 };
 
+// USB port connection states by the names the driver stack gives them.
+constexpr NamedNumber kUsbStates[] = {
+    {"NoDeviceConnected", 0},    {"DeviceConnected", 1},         {"DeviceFailedEnumeration", 2},
+    {"DeviceGeneralFailure", 3}, {"DeviceCausedOvercurrent", 4}, {"DeviceNotEnoughPower", 5},
+};
+constexpr size_t kMaxUsbPorts = 255;  // the hub descriptor's port count is one byte
+
 template <size_t N>
 const char* NameOf(const NamedNumber (&table)[N], DWORD number) {
   for (const auto& entry : table) {
@@ -137,6 +144,12 @@ class DeviceFieldReader {
         return Fail({"devices", name}, "a device must be an object");
       }
       for (const auto& [field, objects] : device.items()) {
+        if (field == "usb") {
+          if (!Usb(name, objects, simDevice.usb)) {
+            return false;
+          }
+          continue;
+        }
         if (field != "ndis") {
           return Fail({"devices", name, field}, "unknown device field \"" + field + "\"");
         }
@@ -164,6 +177,101 @@ class DeviceFieldReader {
       }
       simDevice.ndisObjects[oid] = bytes;
     }
+    return true;
+  }
+
+  // A host controller: { "rootHub": NAME, "driverKey": KEY }; a hub: { "ports": [ PORT... ] }.
+  bool Usb(const std::string& device, const Json& value, SimUsb& usb) {
+    const std::vector<std::string> at = {"devices", device, "usb"};
+    if (!value.is_object() || value.contains("ports") == value.contains("rootHub")) {
+      return Fail(at, "\"usb\" must be a host controller with \"rootHub\" or a hub with \"ports\"");
+    }
+    if (value.contains("rootHub")) {
+      usb.role = SimUsb::Role::HostController;
+      for (const auto& [field, member] : value.items()) {
+        if ((field != "rootHub" && field != "driverKey") ||
+            !ReadString(member, field == "rootHub" ? usb.rootHub : usb.driverKey)) {
+          return Fail({"devices", device, "usb", field},
+                      "a host controller has the strings \"rootHub\" and \"driverKey\"");
+        }
+      }
+      return true;
+    }
+    usb.role = SimUsb::Role::Hub;
+    const Json& ports = value["ports"];
+    if (value.size() != 1 || !ports.is_array() || ports.size() > kMaxUsbPorts) {
+      return Fail(at, "a hub has only \"ports\", a list of at most 255 ports");
+    }
+    usb.ports.assign(ports.size(), SimUsbPort{});
+    for (size_t i = 0; i < ports.size(); ++i) {
+      if (!UsbPort(ports[i], usb.ports[i])) {
+        return Fail({"devices", device, "usb", "ports"},
+                    "port " + std::to_string(i + 1) +
+                        ": a port is \"empty\", \"failing\", a connection state such as "
+                        "\"DeviceConnected\", or an object of \"status\", \"device\" "
+                        "(\"VVVV:PPPP\"), \"driverKey\", \"hub\" and \"failing\"");
+      }
+    }
+    return true;
+  }
+
+  // A port in short form (a word) or as an object; an object stands for a connected device
+  // unless its "status" says otherwise.
+  static bool UsbPort(const Json& value, SimUsbPort& port) {
+    if (value.is_string()) {
+      const std::string text = value.get<std::string>();
+      port.queryFails = text == "failing";
+      return text == "empty" || port.queryFails || NumberOf(kUsbStates, text, port.status);
+    }
+    if (!value.is_object()) {
+      return false;
+    }
+    port.status = 1;
+    for (const auto& [field, member] : value.items()) {
+      bool ok = false;
+      if (field == "status") {
+        ok = member.is_string() && NumberOf(kUsbStates, member.get<std::string>(), port.status);
+      } else if (field == "device") {
+        ok = member.is_string() && UsbDeviceId(member.get<std::string>(), port);
+      } else if (field == "driverKey" || field == "hub") {
+        ok = ReadString(member, field == "hub" ? port.hub : port.driverKey);
+      } else if (field == "failing" && member.is_boolean()) {
+        port.queryFails = member.get<bool>();
+        ok = true;
+      }
+      if (!ok) {
+        return false;
+      }
+    }
+    return true;
+  }
+
+  static bool ReadString(const Json& value, std::string& text) {
+    if (!value.is_string()) {
+      return false;
+    }
+    text = value.get<std::string>();
+    return true;
+  }
+
+  // "VVVV:PPPP": vendor and product identifiers in hexadecimal.
+  static bool UsbDeviceId(const std::string& text, SimUsbPort& port) {
+    if (text.size() != 9 || text[4] != ':') {
+      return false;
+    }
+    unsigned value = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      if (i == 4) {
+        continue;
+      }
+      const int digit = HexDigit(text[i]);
+      if (digit < 0) {
+        return false;
+      }
+      value = value << 4 | static_cast<unsigned>(digit);
+    }
+    port.vendorId = static_cast<WORD>(value >> 16);
+    port.productId = static_cast<WORD>(value);
     return true;
   }
 
@@ -224,6 +332,50 @@ class DeviceFieldReader {
   std::string& what_;
 };
 
+OrderedJson UsbPortJson(const SimUsbPort& port) {
+  const bool plain =
+      port.vendorId == 0 && port.productId == 0 && port.driverKey.empty() && port.hub.empty();
+  if (plain && port.status == 0) {
+    return port.queryFails ? "failing" : "empty";
+  }
+  OrderedJson json = OrderedJson::object();
+  const char* status = NameOf(kUsbStates, port.status);
+  json["status"] = status != nullptr ? status : "DeviceConnected";
+  if (port.vendorId != 0 || port.productId != 0) {
+    char id[16];
+    std::snprintf(id, sizeof id, "%04X:%04X", static_cast<unsigned>(port.vendorId),
+                  static_cast<unsigned>(port.productId));
+    json["device"] = id;
+  }
+  if (!port.driverKey.empty()) {
+    json["driverKey"] = port.driverKey;
+  }
+  if (!port.hub.empty()) {
+    json["hub"] = port.hub;
+  }
+  if (port.queryFails) {
+    json["failing"] = true;
+  }
+  return json;
+}
+
+OrderedJson UsbJson(const SimUsb& usb) {
+  OrderedJson json = OrderedJson::object();
+  if (usb.role == SimUsb::Role::HostController) {
+    json["rootHub"] = usb.rootHub;
+    if (!usb.driverKey.empty()) {
+      json["driverKey"] = usb.driverKey;
+    }
+    return json;
+  }
+  OrderedJson ports = OrderedJson::array();
+  for (const SimUsbPort& port : usb.ports) {
+    ports.push_back(UsbPortJson(port));
+  }
+  json["ports"] = ports;
+  return json;
+}
+
 }  // namespace
 
 bool IsDeviceField(const std::string& key) {
@@ -246,7 +398,14 @@ void WriteDeviceFields(Machine& machine, nlohmann::ordered_json& json) {
         const char* known = NameOf(kNdisObjects, oid);
         ndis[known != nullptr ? known : id] = FormatBytes(data);
       }
-      devices[name] = {{"ndis", ndis}};
+      OrderedJson entry = OrderedJson::object();
+      if (!ndis.empty() || device.usb.role == SimUsb::Role::None) {
+        entry["ndis"] = ndis;
+      }
+      if (device.usb.role != SimUsb::Role::None) {
+        entry["usb"] = UsbJson(device.usb);
+      }
+      devices[name] = entry;
     }
     json["devices"] = devices;
   }

@@ -8,6 +8,7 @@
 #include "platform/sim/profile_devices.h"
 #include "platform/sim/profile_hardware.h"
 #include "platform/sim/profile_support.h"
+#include "platform/sim/profile_windows.h"
 
 namespace Hostkit::sim {
 
@@ -94,6 +95,7 @@ bool ProfileWriter::Facts(OrderedJson& json, const std::filesystem::path& folder
   json["modulePath"] = modulePath;
   WriteDeviceFields(machine_, json);
   WriteHardwareFields(machine_, json);
+  WriteWindowFields(machine_, json);
   return true;
 }
 

@@ -32,6 +32,17 @@ void Sleep(DWORD milliseconds) {
   sim::ActiveMachine()->clock().advance(std::uint64_t{milliseconds} * 1000000);
 }
 
+// The machine starts at 2005-01-01 00:00:00 UTC on the seconds clock.
+std::time_t time(std::time_t* seconds) {
+  constexpr std::time_t kStart = 1104537600;
+  const auto elapsed =
+      static_cast<std::time_t>(sim::ActiveMachine()->clock().now() / sim::kNsPerSecond);
+  if (seconds != nullptr) {
+    *seconds = kStart + elapsed;
+  }
+  return kStart + elapsed;
+}
+
 DWORD GetTickCount() { return static_cast<DWORD>(sim::ActiveMachine()->clock().now() / 1000000); }
 
 BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency) {

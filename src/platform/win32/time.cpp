@@ -9,5 +9,6 @@ BOOL QueryPerformanceCounter(LARGE_INTEGER* count) { return ::QueryPerformanceCo
 BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency) {
   return ::QueryPerformanceFrequency(frequency);
 }
+std::time_t time(std::time_t* seconds) { return ::time(seconds); }
 
 }  // namespace Hostkit::platform
