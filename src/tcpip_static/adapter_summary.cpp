@@ -5,6 +5,7 @@
 
 #include "hostkit/os.h"
 #include "hostkit/regwiz.h"
+#include "tcpip_static/enumeration.h"
 #include "tcpip_static/setters.h"
 
 namespace Hostkit::tcpip {
@@ -13,14 +14,6 @@ namespace {
 
 constexpr const char* kNetClass = "System\\CurrentControlSet\\Services\\Class\\Net";
 constexpr const char* kRootNet = "Enum\\Root\\Net";
-
-std::string ReadText(RegWiz& registry, const std::string& key, const char* name) {
-  std::string value;
-  if (!registry.GetKeyVal(HKEY_LOCAL_MACHINE, key.c_str(), name, value)) {
-    value.clear();
-  }
-  return value;
-}
 
 // The "DeviceVxDs" of each root-enumerated network device's class entry, in listed order.
 std::vector<std::string> RootNetDeviceDrivers(RegWiz& registry) {

@@ -16,12 +16,9 @@ namespace Hostkit::tcpip {
 
 namespace {
 
-constexpr const char* kNetworkCards =
-    "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\NetworkCards";
 constexpr const char* kServices = "System\\CurrentControlSet\\Services\\";
 constexpr const char* kDisabledBindings =
     "System\\CurrentControlSet\\Services\\Tcpip\\Linkage\\Disabled";
-constexpr const char* kTcpipParameters = "System\\CurrentControlSet\\Services\\Tcpip\\Parameters";
 constexpr const char* kNetBtAdapters = "System\\CurrentControlSet\\Services\\NetBT\\Adapters\\";
 
 // Disabled when the first binding of `name`'s linkage is among TCP/IP's disabled bindings.
@@ -47,7 +44,7 @@ bool IsFunctional(RegWiz& registry, const std::string& entry) {
 void ReadTcpip(RegWiz& registry, const std::string& tcpipKey, AdapterRecordAccess::Fields& f) {
   f.boundToTcpip = true;
   f.boundDirectlyOrIndirectly = true;
-  f.dnsStatic = !ServerTokens(ReadText(registry, kTcpipParameters, "NameServer")).empty();
+  f.dnsStatic = !ServerTokens(ReadText(registry, kNtTcpipParameters, "NameServer")).empty();
   unsigned long dhcp = 0;
   if (!registry.GetDwordKeyVal(HKEY_LOCAL_MACHINE, tcpipKey.c_str(), "EnableDHCP", dhcp)) {
     dhcp = 0;
@@ -98,8 +95,8 @@ void EnumerateNt4(std::vector<AdapterInfo>& adapters) {
     if (registry.DoesKeyExist(HKEY_LOCAL_MACHINE, tcpipKey.c_str())) {
       ReadTcpip(registry, tcpipKey, f);
     }
-    f.staticNameServers = ServerTokens(ReadText(registry, kTcpipParameters, "NameServer"));
-    f.staticDomainName = ReadText(registry, kTcpipParameters, "Domain");
+    f.staticNameServers = ServerTokens(ReadText(registry, kNtTcpipParameters, "NameServer"));
+    f.staticDomainName = ReadText(registry, kNtTcpipParameters, "Domain");
     ReadWins(registry, service, f);
     std::string address;
     if (adapters::QueryAdapterMacAddress(f.serviceName, address)) {

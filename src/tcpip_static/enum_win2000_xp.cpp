@@ -22,8 +22,6 @@ constexpr const char* kInterfaces =
     "System\\CurrentControlSet\\Services\\Tcpip\\Parameters\\Interfaces\\";
 constexpr const char* kNetBtInterfaces =
     "System\\CurrentControlSet\\Services\\NetBT\\Parameters\\Interfaces\\Tcpip_";
-constexpr const char* kNetworkCards =
-    "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\NetworkCards";
 
 bool IsPresent(RegWiz& registry, const std::string& device, bool isXp,
                const std::vector<std::string>& presentIds) {
@@ -114,16 +112,6 @@ void ReadWins(RegWiz& registry, const std::string& instanceId, AdapterRecordAcce
   }
 }
 
-// The bus enumerator: the component after "System\CurrentControlSet\Enum\".
-std::string AdapterType(const std::string& device) {
-  const std::size_t start = std::string(kEnumRoot).size() + 1;
-  if (device.size() < start) {
-    return {};
-  }
-  const std::size_t end = device.find('\\', start);
-  return end == std::string::npos ? std::string() : device.substr(start, end - start);
-}
-
 }  // namespace
 
 void EnumerateWin2000Xp(bool isXp, std::vector<AdapterInfo>& adapters) {
@@ -158,7 +146,7 @@ void EnumerateWin2000Xp(bool isXp, std::vector<AdapterInfo>& adapters) {
     }
     f.cookie = StaticTcpipInfo::Cookie(f.serviceName.c_str());
     f.functional = !(f.ethernet && f.enabled) || !f.hardwareAddress.empty();
-    f.adapterType = AdapterType(device);
+    f.adapterType = BusEnumerator(device, kEnumRoot);
     adapters.push_back(record);
   }
 }

@@ -98,16 +98,6 @@ bool IsFunctional(RegWiz& registry, const std::string& device, bool enabled) {
   return true;
 }
 
-// The bus enumerator: the component after "Enum\".
-std::string AdapterType(const std::string& device) {
-  const std::size_t start = std::string("Enum").size() + 1;
-  if (device.size() < start) {
-    return {};
-  }
-  const std::size_t end = device.find('\\', start);
-  return end == std::string::npos ? std::string() : device.substr(start, end - start);
-}
-
 StaticTcpipInfo::WINS_STATE WinsState(RegWiz& registry, const std::string& binding) {
   std::string nodeType;
   if (!registry.GetKeyVal(HKEY_LOCAL_MACHINE, binding.c_str(), "NodeType", nodeType)) {
@@ -186,7 +176,7 @@ void EnumerateWin9x(std::vector<AdapterInfo>& adapters) {
     f.staticDomainName = ReadText(registry, kMstcp, "Domain");
     f.staticNameServers = ServerTokens(ReadText(registry, kMstcp, "NameServer"));
     f.cookie = StaticTcpipInfo::Cookie(f.name.c_str());
-    f.adapterType = AdapterType(device);
+    f.adapterType = BusEnumerator(device, "Enum");
     adapters.push_back(record);
   }
 }

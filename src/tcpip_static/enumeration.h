@@ -25,9 +25,21 @@ std::string FindTcpipBindingKey(RegWiz& registry, const std::string& path, int d
 
 // --- shared rules ---
 
+// "System\CurrentControlSet\Services\Tcpip\Parameters": the machine-wide TCP/IP key of the NT
+// family.
+inline constexpr const char* kNtTcpipParameters =
+    "System\\CurrentControlSet\\Services\\Tcpip\\Parameters";
+// The network cards Windows NT has installed.
+inline constexpr const char* kNetworkCards =
+    "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\NetworkCards";
+
 // A copy with A to Z lowered.
 std::string LowerCase(std::string text);
 bool Contains(const std::string& text, const std::string& part);
+
+// The bus enumerator of a device key: the path component after `enumRoot` and a backslash, up to
+// the next backslash; empty when there is no further backslash.
+std::string BusEnumerator(const std::string& device, const std::string& enumRoot);
 
 // The server tokens of a stored server list: runs of characters other than space and comma.
 std::vector<std::string> ServerTokens(const std::string& list);

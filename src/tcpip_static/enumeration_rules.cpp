@@ -17,6 +17,15 @@ bool Contains(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
 }
 
+std::string BusEnumerator(const std::string& device, const std::string& enumRoot) {
+  const std::size_t start = enumRoot.size() + 1;
+  if (device.size() < start) {
+    return {};
+  }
+  const std::size_t end = device.find('\\', start);
+  return end == std::string::npos ? std::string() : device.substr(start, end - start);
+}
+
 std::vector<std::string> ServerTokens(const std::string& list) {
   std::vector<std::string> tokens;
   std::size_t start = list.find_first_not_of(" ,");

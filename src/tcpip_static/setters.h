@@ -8,6 +8,7 @@
 
 #include "hostkit/regwiz.h"
 #include "hostkit/static_tcpip.h"
+#include "tcpip_static/enumeration.h"
 
 namespace Hostkit::tcpip {
 
@@ -44,11 +45,6 @@ std::string JoinServers(const std::vector<std::string>& servers, const char* sep
 
 // The cookie's text in the ANSI code page; false when it does not convert.
 bool CookieText(const Cookie& cookie, std::string& text);
-
-// "System\CurrentControlSet\Services\Tcpip\Parameters": the machine-wide TCP/IP key of the NT
-// family.
-inline constexpr const char* kNtTcpipParameters =
-    "System\\CurrentControlSet\\Services\\Tcpip\\Parameters";
 
 }  // namespace Hostkit::tcpip
 
