@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "hostkit/export.h"
+#include "hostkit/sim/live_network.h"
 #include "hostkit/win_types.h"
 
 namespace Hostkit::sim {
@@ -297,6 +298,10 @@ class HOSTKIT_API Machine {
   WindowTree& windows() { return windows_; }
   // Every control request sent to a device so far, oldest first.
   std::vector<DeviceRequest>& deviceRequests() { return deviceRequests_; }
+  // The TCP/IP state the running stack uses now, and the DHCP servers it reaches.
+  LiveNetwork& liveNetwork() { return liveNetwork_; }
+  // Command lines of the programs started so far, oldest first (they are not run).
+  std::vector<std::string>& startedPrograms() { return startedPrograms_; }
 
  private:
   MachineFacts facts_;
@@ -312,6 +317,8 @@ class HOSTKIT_API Machine {
   std::vector<std::string> presentDevices_;
   WindowTree windows_;
   std::vector<DeviceRequest> deviceRequests_;
+  LiveNetwork liveNetwork_;
+  std::vector<std::string> startedPrograms_;
 };
 
 // The machine the seam serves on the calling thread. Never null: before a host program

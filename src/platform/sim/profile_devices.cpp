@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <string_view>
 
+#include "platform/sim/profile_support.h"
+
 namespace Hostkit::sim {
 
 namespace {
@@ -68,44 +70,6 @@ bool ParseObjectId(const std::string& text, DWORD& oid) {
   const unsigned long value = std::strtoul(text.c_str() + 2, &end, 16);
   oid = static_cast<DWORD>(value);
   return end != nullptr && *end == '\0';
-}
-
-int HexDigit(char c) {
-  if (std::isxdigit(static_cast<unsigned char>(c)) == 0) {
-    return -1;
-  }
-  return std::isdigit(static_cast<unsigned char>(c)) != 0
-             ? c - '0'
-             : std::tolower(static_cast<unsigned char>(c)) - 'a' + 10;
-}
-
-// Pairs of hexadecimal digits, each pair optionally followed by one separator.
-bool ParseBytes(std::string_view text, std::vector<BYTE>& bytes) {
-  bytes.clear();
-  for (size_t i = 0; i < text.size();) {
-    if (i + 1 >= text.size() || HexDigit(text[i]) < 0 || HexDigit(text[i + 1]) < 0) {
-      return false;
-    }
-    bytes.push_back(static_cast<BYTE>(HexDigit(text[i]) * 16 + HexDigit(text[i + 1])));
-    i += 2;
-    if (i < text.size()) {
-      if (text[i] != '-' && text[i] != ':' && text[i] != ' ') {
-        return false;
-      }
-      ++i;
-    }
-  }
-  return true;
-}
-
-std::string FormatBytes(const std::vector<BYTE>& bytes) {
-  std::string text;
-  char pair[4];
-  for (BYTE byte : bytes) {
-    std::snprintf(pair, sizeof pair, text.empty() ? "%02X" : "-%02X", byte);
-    text += pair;
-  }
-  return text;
 }
 
 class DeviceFieldReader {

@@ -15,6 +15,7 @@
 #include "platform/sim/profile_devices.h"
 #include "platform/sim/profile_hardware.h"
 #include "platform/sim/profile_support.h"
+#include "platform/sim/profile_network.h"
 #include "platform/sim/profile_windows.h"
 #include "platform/sim/text_codec.h"
 
@@ -368,6 +369,11 @@ bool ProfileReader::ReadField(const std::string& key, const Json& value,
     std::string what;
     return ReadWindowField(key, value, *machine_, keys, what) || Fail(keys, what);
   }
+  if (IsNetworkField(key)) {
+    KeyPath keys;
+    std::string what;
+    return ReadNetworkField(key, value, *machine_, keys, what) || Fail(keys, what);
+  }
   return true;  // release and the code pages are read first
 }
 
@@ -385,7 +391,7 @@ std::shared_ptr<Machine> ProfileReader::Read(const RegistrySource& registry,
   bool ok = root.is_object() || Fail({}, "the profile must be a JSON object");
   for (auto it = root.begin(); ok && it != root.end(); ++it) {
     if (!IsOneOf(it.key(), kFields) && !IsDeviceField(it.key()) && !IsHardwareField(it.key()) &&
-        !IsWindowField(it.key())) {
+        !IsWindowField(it.key()) && !IsNetworkField(it.key())) {
       ok = Fail({it.key()}, "unknown field \"" + it.key() + "\"");
     }
   }

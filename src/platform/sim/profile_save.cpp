@@ -8,6 +8,7 @@
 #include "platform/sim/profile_devices.h"
 #include "platform/sim/profile_hardware.h"
 #include "platform/sim/profile_support.h"
+#include "platform/sim/profile_network.h"
 #include "platform/sim/profile_windows.h"
 
 namespace Hostkit::sim {
@@ -96,6 +97,7 @@ bool ProfileWriter::Facts(OrderedJson& json, const std::filesystem::path& folder
   WriteDeviceFields(machine_, json);
   WriteHardwareFields(machine_, json);
   WriteWindowFields(machine_, json);
+  WriteNetworkFields(machine_, json);
   return true;
 }
 

@@ -2,6 +2,8 @@
 // profile fields.
 #include "platform/sim/profile_support.h"
 
+#include <cctype>
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <vector>
@@ -79,6 +81,44 @@ bool ImportRegFile(Machine& machine, const std::filesystem::path& file, std::str
     error = file.string() + ": " + e.what();
     return false;
   }
+}
+
+int HexDigit(char c) {
+  if (std::isxdigit(static_cast<unsigned char>(c)) == 0) {
+    return -1;
+  }
+  return std::isdigit(static_cast<unsigned char>(c)) != 0
+             ? c - '0'
+             : std::tolower(static_cast<unsigned char>(c)) - 'a' + 10;
+}
+
+// Pairs of hexadecimal digits, each pair optionally followed by one separator.
+bool ParseBytes(std::string_view text, std::vector<BYTE>& bytes) {
+  bytes.clear();
+  for (size_t i = 0; i < text.size();) {
+    if (i + 1 >= text.size() || HexDigit(text[i]) < 0 || HexDigit(text[i + 1]) < 0) {
+      return false;
+    }
+    bytes.push_back(static_cast<BYTE>(HexDigit(text[i]) * 16 + HexDigit(text[i + 1])));
+    i += 2;
+    if (i < text.size()) {
+      if (text[i] != '-' && text[i] != ':' && text[i] != ' ') {
+        return false;
+      }
+      ++i;
+    }
+  }
+  return true;
+}
+
+std::string FormatBytes(const std::vector<BYTE>& bytes) {
+  std::string text;
+  char pair[4];
+  for (BYTE byte : bytes) {
+    std::snprintf(pair, sizeof pair, text.empty() ? "%02X" : "-%02X", byte);
+    text += pair;
+  }
+  return text;
 }
 
 }  // namespace Hostkit::sim

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "hostkit/sim/machine.h"
 
@@ -26,5 +27,13 @@ bool ApplyRegistryBytes(Machine& machine, std::string_view bytes, const std::str
 // has no exact form on the other side.
 bool Utf8ToAnsi(const Machine& machine, const std::string& utf8, std::string& ansi);
 bool AnsiToUtf8(const Machine& machine, const std::string& ansi, std::string& utf8);
+
+// The value of a hexadecimal digit of either case; -1 for any other character.
+int HexDigit(char c);
+
+// Pairs of hexadecimal digits, each pair optionally followed by one "-", ":" or " ", to bytes;
+// and bytes to upper-case pairs joined by "-".
+bool ParseBytes(std::string_view text, std::vector<BYTE>& bytes);
+std::string FormatBytes(const std::vector<BYTE>& bytes);
 
 }  // namespace Hostkit::sim
