@@ -11,7 +11,7 @@ packages=(
 )
 
 if [[ "${1:-}" == "--windows" ]]; then
-  packages+=(g++-mingw-w64-x86-64-posix wine wine64 googletest xvfb)
+  packages+=(g++-mingw-w64-x86-64-posix wine wine64 googletest xvfb iproute2)
 fi
 
 missing=()

@@ -20,10 +20,18 @@ use_wine_prefix "$PWD/build-win/wineprefix"
 # Checks the DLL exports the public interface and nothing of the implementation.
 bash scripts/check-exports.sh build-win/Hostkit3.dll
 
+# This host's IPv4 addresses, loopback aside, for the tests that compare the live network Wine
+# reports with the host's own (separated by blanks).
+HOSTKIT_HOST_IPV4="$(ip -4 -o addr show | awk '{ split($4, a, "/"); if (a[1] !~ /^127\./) print a[1] }' | xargs)"
+export HOSTKIT_HOST_IPV4
+
 failed=0
 summary=()
 for release in win95 win98 winme nt40 win2k winxp; do
   wine reg add 'HKCU\Software\Wine' /v Version /d "$release" /f >/dev/null 2>&1
+  # reg.exe started Wine's desktop without a display; a program starting before that desktop
+  # closes joins it and can create no window at all. Let this Wine session end first.
+  wineserver --wait
   log="build-win/tests/wine-$release.log"
   status=0
   # The window tests open real windows: Wine needs an X display, a virtual one here.

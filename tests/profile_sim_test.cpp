@@ -9,6 +9,7 @@
 #include <fstream>
 #include <random>
 #include <string>
+#include <tuple>
 
 #include "hostkit/os.h"
 #include "hostkit/regwiz.h"
@@ -167,6 +168,41 @@ TEST_F(Profiles, SavedMachineLoadsAgainIntoAnEqualOne) {
   }
 }
 
+// The live network and the modules a machine lacks survive a save, a release included.
+TEST_F(Profiles, LiveNetworkAndAbsentModulesAreSaved) {
+  std::string error;
+  const auto original = LoadMachineProfile(kMachines / "network" / "win2k.json", error);
+  ASSERT_NE(original, nullptr) << error;
+  auto& network = original->liveNetwork();
+  ASSERT_FALSE(network.interfaces.empty());
+  Hostkit::sim::ReleaseLease(network, network.interfaces.front(), "test");
+  network.interfaces.back().server.reset();
+  original->modules()["IPHLPAPI.DLL"].entryPoints.erase("IpRenewAddress");
+  original->modules().erase("INETMIB1.DLL");
+
+  const auto saved = folder_ / "saved-network.json";
+  ASSERT_TRUE(SaveMachineProfile(*original, saved, error)) << error;
+  const auto reloaded = LoadMachineProfile(saved, error);
+  ASSERT_NE(reloaded, nullptr) << error;
+  const auto& again = reloaded->liveNetwork();
+  ASSERT_EQ(again.interfaces.size(), network.interfaces.size());
+  for (size_t i = 0; i < again.interfaces.size(); ++i) {
+    const auto& a = again.interfaces[i];
+    const auto& b = network.interfaces[i];
+    EXPECT_EQ(std::tie(a.index, a.name, a.description, a.type, a.hardwareAddress, a.address, a.mask,
+                       a.dhcp, a.dhcpServer),
+              std::tie(b.index, b.name, b.description, b.type, b.hardwareAddress, b.address, b.mask,
+                       b.dhcp, b.dhcpServer));
+    EXPECT_EQ(a.server.has_value(), b.server.has_value());
+  }
+  EXPECT_EQ(again.routes.size(), network.routes.size());
+  EXPECT_EQ(again.dnsServers, network.dnsServers);
+  EXPECT_EQ(again.domain, network.domain);
+  EXPECT_EQ(reloaded->modules().count("INETMIB1.DLL"), 0U);
+  EXPECT_EQ(reloaded->modules()["IPHLPAPI.DLL"].entryPoints.count("IpRenewAddress"), 0U);
+  EXPECT_EQ(reloaded->modules()["IPHLPAPI.DLL"].entryPoints.count("IpReleaseAddress"), 1U);
+}
+
 TEST_F(Profiles, TextProfilesTakeTheirRegistryFilesFromMemory) {
   const std::string profile = "{ \"release\": \"win2k\",\n  \"registry\": [\"a.reg\"] }";
   std::string error;
@@ -243,6 +279,13 @@ INSTANTIATE_TEST_SUITE_P(
                    "does not exist"},
         BadProfile{"RegistryNotList", "{ \"release\": \"winxp\",\n  \"registry\": \"a.reg\" }", 2,
                    "list of registry file names"},
+        BadProfile{"BadInterfaceAddress",
+                   "{ \"release\": \"winxp\",\n  \"network\": { \"interfaces\": [\n"
+                   "    { \"index\": 2, \"address\": \"192.168.1.300\" } ] } }",
+                   3, "\"address\" must be a dotted quad"},
+        BadProfile{"AbsentEntryUnknown",
+                   "{ \"release\": \"win95\",\n  \"absent\": [ \"IPHLPAPI.DLL\" ] }", 2,
+                   "no module \"IPHLPAPI.DLL\""},
         BadProfile{"MissingRegistryFile",
                    "{ \"release\": \"winxp\",\n  \"registry\": [\"good.reg\",\n"
                    "                \"missing.reg\"] }",

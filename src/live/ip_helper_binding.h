@@ -43,6 +43,18 @@ class IpHelperBinding {
   // GetInterfaceInfo entry; false when no entry matches or the call fails.
   bool ReleaseAddress(const Hostkit::wstring& adapterName) const;
   bool RenewAddress(const Hostkit::wstring& adapterName) const;
+
+ private:
+  bool failed_ = true;
+  FARPROC ipReleaseAddress_ = nullptr;
+  FARPROC ipRenewAddress_ = nullptr;
+  FARPROC getInterfaceInfo_ = nullptr;
+  FARPROC getAdaptersInfo_ = nullptr;
+  FARPROC getNetworkParams_ = nullptr;
+  FARPROC getIpForwardTable_ = nullptr;
+  HMODULE module_ = nullptr;
+
+  bool AddressRequest(const Hostkit::wstring& adapterName, FARPROC request) const;
 };
 
 }  // namespace Hostkit::live

@@ -5,6 +5,7 @@
 
 #include "hostkit/os.h"
 #include "hostkit/regwiz.h"
+#include "live/dialup_components.h"
 #include "tcpip_static/enumeration.h"
 #include "tcpip_static/setters.h"
 
@@ -13,20 +14,6 @@ namespace Hostkit::tcpip {
 namespace {
 
 constexpr const char* kNetClass = "System\\CurrentControlSet\\Services\\Class\\Net";
-constexpr const char* kRootNet = "Enum\\Root\\Net";
-
-// The "DeviceVxDs" of each root-enumerated network device's class entry, in listed order.
-std::vector<std::string> RootNetDeviceDrivers(RegWiz& registry) {
-  std::vector<std::string> devices;
-  std::vector<std::string> drivers;
-  registry.GetSubKeyNames(HKEY_LOCAL_MACHINE, kRootNet, devices);
-  for (const std::string& device : devices) {
-    const std::string driver = ReadText(registry, std::string(kRootNet) + "\\" + device, "Driver");
-    drivers.push_back(
-        ReadText(registry, "System\\CurrentControlSet\\Services\\Class\\" + driver, "DeviceVxDs"));
-  }
-  return drivers;
-}
 
 }  // namespace
 
@@ -66,29 +53,15 @@ bool IsTcpipInstalled() {
   return false;
 }
 
+// The dial-up rules are the DialUp class's, here without its family limits.
 int NumMicrosoftDialupAdapters() {
   RegWiz registry;
-  const auto drivers = RootNetDeviceDrivers(registry);
-  return static_cast<int>(std::count(drivers.begin(), drivers.end(), "pppmac.vxd"));
+  return live::CountDialupAdapters(registry);
 }
 
-// A root-enumerated network device whose class entry is the PPTP driver's.
 bool IsMicrosoftVpnInstalled() {
   RegWiz registry;
-  std::vector<std::string> entries;
-  registry.GetSubKeyNames(HKEY_LOCAL_MACHINE, kNetClass, entries);
-  std::vector<std::string> devices;
-  registry.GetSubKeyNames(HKEY_LOCAL_MACHINE, kRootNet, devices);
-  for (const std::string& device : devices) {
-    const std::string driver = ReadText(registry, std::string(kRootNet) + "\\" + device, "Driver");
-    for (const std::string& entry : entries) {
-      if (driver == "Net\\" + entry && ReadText(registry, std::string(kNetClass) + "\\" + entry,
-                                                "DeviceVxDs") == "netpptp.sys") {
-        return true;
-      }
-    }
-  }
-  return false;
+  return live::IsVpnAdapterInstalled(registry);
 }
 
 // The protocol class entry with the same number as each adapter entry becomes that adapter's
@@ -119,16 +92,13 @@ bool EnableIPAC(bool enable) {
 }
 
 // Dial-Up Networking 1.3 brings the dial-up server and the VPN client as optional components
-// of Windows 95; it counts as installed when both are registered.
+// of Windows 95.
 bool IsMsDun13Installad() {
   if (!OS().IsWin95()) {
     return false;
   }
   RegWiz registry;
-  const std::string components =
-      "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Setup\\OptionalComponents\\";
-  return registry.DoesKeyExist(HKEY_LOCAL_MACHINE, (components + "RNASERV").c_str()) &&
-         registry.DoesKeyExist(HKEY_LOCAL_MACHINE, (components + "VPN").c_str());
+  return live::AreDun13ComponentsRegistered(registry);
 }
 
 }  // namespace Hostkit::tcpip

@@ -27,6 +27,14 @@ int RunHardware(std::ostream& out, std::ostream& err);
 // (name, cookie, type, DHCP or static addresses, DNS, WINS, flags), as a table or as JSON.
 int RunAdapters(bool json, std::ostream& out, std::ostream& err);
 
+// `hostkit live [--json]`: the TCP/IP state every adapter uses now.
+int RunLive(bool json, std::ostream& out, std::ostream& err);
+// `hostkit dns`: the DNS servers, domain and search list in use.
+int RunDns(std::ostream& out, std::ostream& err);
+// `hostkit release|renew ADAPTER|--all`: ADAPTER is a hardware address or a number of `hostkit
+// live`; the verdict is the library's, from the live state read afterwards.
+int RunDhcp(bool renew, const std::string& adapter, bool all, std::ostream& out, std::ostream& err);
+
 // Text for printing and from the command line: the machine's ANSI code page to and from UTF-16
 // (empty when it does not convert).
 std::string Narrow(const Hostkit::wstring& text);
@@ -129,6 +137,16 @@ int RunWindowsList(std::ostream& out, std::ostream& err);
 int RunWindowsWait(const WindowArgs& args, std::ostream& out, std::ostream& err);
 int RunWindowsClick(const WindowArgs& args, std::ostream& out, std::ostream& err);
 int RunWindowsClose(const WindowArgs& args, std::ostream& out, std::ostream& err);
+
+// `hostkit dialup status|install [--adapters N] [--vpn]|autodial [ENTRY]`: the dial-up
+// components, their installers and automatic dialling through DialUp. Install prints the
+// command lines of the installers it started.
+int RunDialupStatus(std::ostream& out, std::ostream& err);
+int RunDialupInstall(int adapters, bool vpn, std::ostream& out, std::ostream& err);
+int RunDialupAutodial(const std::string& entry, std::ostream& out, std::ostream& err);
+// The command lines of the programs the library has started, oldest first, as the simulated
+// machine records them (it does not run them); false on Windows, where they really run.
+bool RecordedPrograms(std::vector<std::string>& lines);
 
 // Calls `write` with the Windows path under which the library writes the host file
 // `hostFile`. On Windows that is the file itself; the simulated build lets the library write on

@@ -99,4 +99,9 @@ bool WriteHostFile(const std::string& hostFile,
   return written && error.empty();
 }
 
+bool RecordedPrograms(std::vector<std::string>& lines) {
+  lines = Hostkit::sim::ActiveMachine()->startedPrograms();
+  return true;
+}
+
 }  // namespace hostkit_tool

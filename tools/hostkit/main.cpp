@@ -45,6 +45,20 @@ int Run(int argc, char** argv) {
       app.add_subcommand("adapters", "stored TCP/IP settings of every network adapter");
   bool adaptersJson = false;
   adapters->add_flag("--json", adaptersJson, "print the adapters as JSON");
+  CLI::App* live = app.add_subcommand("live", "TCP/IP state every adapter uses now");
+  bool liveJson = false;
+  live->add_flag("--json", liveJson, "print the adapters as JSON");
+  CLI::App* dns = app.add_subcommand("dns", "DNS servers, domain and search list in use");
+  std::string dhcpAdapter;
+  bool dhcpAll = false;
+  CLI::App* release = app.add_subcommand("release", "give up an adapter's DHCP lease");
+  CLI::App* renew = app.add_subcommand("renew", "renew an adapter's DHCP lease");
+  for (CLI::App* command : {release, renew}) {
+    CLI::Option* all = command->add_flag("--all", dhcpAll, "every adapter on DHCP");
+    command->add_option("ADAPTER", dhcpAdapter, "hardware address or number from `hostkit live`")
+        ->excludes(all);
+    command->require_option(1);
+  }
   CLI::App* reg = app.add_subcommand("reg", "registry commands");
   reg->require_subcommand(1);
   CLI::App* query = reg->add_subcommand("query", "list a key's values and subkeys");
@@ -157,6 +171,20 @@ int Run(int argc, char** argv) {
   windowsClick->add_option("--radio", windowArgs.radio, "on or off: click a radio button")
       ->check(CLI::IsMember({"on", "off"}));
 
+  CLI::App* dialup = app.add_subcommand("dialup", "Windows 9x dial-up components, autodial");
+  dialup->require_subcommand(1);
+  CLI::App* dialupStatus = dialup->add_subcommand("status", "components and dial-up adapters");
+  CLI::App* dialupInstall =
+      dialup->add_subcommand("install", "install dial-up adapters (and the VPN component)");
+  int dialupAdapters = 1;
+  bool dialupVpn = false;
+  dialupInstall->add_option("--adapters", dialupAdapters, "dial-up adapters wanted (default 1)");
+  dialupInstall->add_flag("--vpn", dialupVpn, "install the VPN component as well");
+  CLI::App* dialupAutodial =
+      dialup->add_subcommand("autodial", "switch automatic dialling on for a phonebook entry");
+  std::string dialupEntry;
+  dialupAutodial->add_option("ENTRY", dialupEntry, "the phonebook entry to dial");
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -193,6 +221,19 @@ int Run(int argc, char** argv) {
   if (adapters->parsed()) {
     return hostkit_tool::FinishCommand(
         hostkit_tool::RunAdapters(adaptersJson, std::cout, std::cerr), saveFile, std::cerr);
+  }
+  if (live->parsed()) {
+    return hostkit_tool::FinishCommand(hostkit_tool::RunLive(liveJson, std::cout, std::cerr),
+                                       saveFile, std::cerr);
+  }
+  if (dns->parsed()) {
+    return hostkit_tool::FinishCommand(hostkit_tool::RunDns(std::cout, std::cerr), saveFile,
+                                       std::cerr);
+  }
+  if (release->parsed() || renew->parsed()) {
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunDhcp(renew->parsed(), dhcpAdapter, dhcpAll, std::cout, std::cerr),
+        saveFile, std::cerr);
   }
   if (query->parsed()) {
     return hostkit_tool::FinishCommand(hostkit_tool::RunRegQuery(key, std::cout, std::cerr),
@@ -292,6 +333,19 @@ int Run(int argc, char** argv) {
   if (windowsClose->parsed()) {
     return hostkit_tool::FinishCommand(
         hostkit_tool::RunWindowsClose(windowArgs, std::cout, std::cerr), saveFile, std::cerr);
+  }
+  if (dialupStatus->parsed()) {
+    return hostkit_tool::FinishCommand(hostkit_tool::RunDialupStatus(std::cout, std::cerr),
+                                       saveFile, std::cerr);
+  }
+  if (dialupInstall->parsed()) {
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunDialupInstall(dialupAdapters, dialupVpn, std::cout, std::cerr), saveFile,
+        std::cerr);
+  }
+  if (dialupAutodial->parsed()) {
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunDialupAutodial(dialupEntry, std::cout, std::cerr), saveFile, std::cerr);
   }
   if (backup->parsed()) {
     return hostkit_tool::FinishCommand(

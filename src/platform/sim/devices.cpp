@@ -4,7 +4,8 @@
 // must be "\Device\DEVICE" for a device of the machine. NDIS network drivers answer the global
 // statistics query from their object table; USB host controllers and hubs answer the USB
 // device interface (platform/sim/usb_stack.cpp); other control codes are not understood by any
-// simulated driver. Every request is recorded on the machine.
+// simulated driver. Every request is recorded on the machine. On Windows 9x "\\.\vdhcp.386"
+// opens the DHCP client VxD (platform/sim/dhcp_vxd_device.cpp), which has no DOS device name.
 #include "platform/devices.h"
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 #include <utility>
 
 #include "hostkit/sim/machine.h"
+#include "platform/sim/dhcp_vxd_device.h"
 #include "platform/sim/handle_table.h"
 #include "platform/sim/usb_stack.h"
 #include "platform/system_info.h"
@@ -181,6 +183,14 @@ HANDLE CreateFileA(const char* fileName, DWORD /*access*/, DWORD /*shareMode*/,
       return INVALID_HANDLE_VALUE;
     }
     auto machine = sim::ActiveMachine();
+    if (sim::IsDhcpVxdName(*machine, name.substr(sim::kLocalDevicePrefix.size()))) {
+      HANDLE vxd = sim::AddHandle(std::make_shared<sim::DhcpVxdObject>(machine));
+      if (vxd == nullptr) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return INVALID_HANDLE_VALUE;
+      }
+      return vxd;
+    }
     auto link = machine->dosDevices().find(name.substr(sim::kLocalDevicePrefix.size()));
     if (link == machine->dosDevices().end() || link->second.empty()) {
       SetLastError(ERROR_FILE_NOT_FOUND);
@@ -210,6 +220,12 @@ BOOL DeviceIoControl(HANDLE device, DWORD controlCode, void* inBuffer, DWORD inS
                      void* outBuffer, DWORD outSize, DWORD* bytesReturned,
                      OVERLAPPED* /*overlapped*/) {
   try {
+    DWORD ignored = 0;
+    DWORD& returned = bytesReturned != nullptr ? *bytesReturned : ignored;
+    returned = 0;
+    if (auto vxd = sim::FindHandleAs<sim::DhcpVxdObject>(device)) {
+      return sim::DhcpVxdRequest(*vxd, controlCode, inBuffer, inSize, outBuffer, outSize, returned);
+    }
     auto object = sim::FindHandleAs<sim::DeviceObject>(device);
     if (object == nullptr) {
       return sim::Fail(ERROR_INVALID_HANDLE);
@@ -219,9 +235,6 @@ BOOL DeviceIoControl(HANDLE device, DWORD controlCode, void* inBuffer, DWORD inS
       return sim::Fail(ERROR_GEN_FAILURE);  // the device went away
     }
     object->Record(controlCode, inSize, outSize);
-    DWORD ignored = 0;
-    DWORD& returned = bytesReturned != nullptr ? *bytesReturned : ignored;
-    returned = 0;
     if (controlCode == sim::kNdisQueryGlobalStats && !served->ndisObjects.empty()) {
       return sim::NdisQuery(*served, inBuffer, inSize, outBuffer, outSize, &returned);
     }

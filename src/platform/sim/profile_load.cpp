@@ -14,8 +14,8 @@
 #include "hostkit/sim/profile.h"
 #include "platform/sim/profile_devices.h"
 #include "platform/sim/profile_hardware.h"
-#include "platform/sim/profile_support.h"
 #include "platform/sim/profile_network.h"
+#include "platform/sim/profile_support.h"
 #include "platform/sim/profile_windows.h"
 #include "platform/sim/text_codec.h"
 
@@ -36,12 +36,13 @@ int LineAt(const std::string& text, size_t offset) {
   return 1 + static_cast<int>(std::count(text.begin(), text.begin() + offset, '\n'));
 }
 
-// Where the member `keys` (a chain of keys from the top-level object) is written in the JSON
-// text: a scan that follows strings, comments and nesting, enough to tell a top-level key from
-// a nested one of the same name.
+// Where the member `keys` (a chain of keys from the top-level object, an element of a list named
+// by its number from "0") is written in the JSON text: a scan that follows strings, comments and
+// nesting, enough to tell a top-level key from a nested one of the same name.
 std::optional<size_t> FindKey(const std::string& text, const KeyPath& keys) {
   std::vector<char> open;          // '{' or '[' of each enclosing value
-  std::vector<std::string> chain;  // the member key at each enclosing object depth
+  std::vector<size_t> element;     // at each enclosing list, the number of the current element
+  std::vector<std::string> chain;  // the member key, or the element number, at each depth
   std::string lastString;
   size_t lastStart = 0;
   bool afterString = false;
@@ -74,15 +75,24 @@ std::optional<size_t> FindKey(const std::string& text, const KeyPath& keys) {
     }
     if (c == ':' && afterString && !open.empty() && open.back() == '{') {
       chain.resize(open.size());
+      for (size_t depth = 0; depth < open.size(); ++depth) {
+        if (open[depth] == '[') {
+          chain[depth] = std::to_string(element[depth]);
+        }
+      }
       chain.back() = lastString;
       if (chain == keys) {
         return lastStart;
       }
     } else if (c == '{' || c == '[') {
       open.push_back(c);
+      element.push_back(0);
     } else if ((c == '}' || c == ']') && !open.empty()) {
       open.pop_back();
+      element.pop_back();
       chain.resize(std::min(chain.size(), open.size()));
+    } else if (c == ',' && !open.empty() && open.back() == '[') {
+      ++element.back();
     }
     afterString = false;
     ++i;

@@ -358,7 +358,10 @@ void WriteNetworkFields(Machine& machine, OrderedJson& json) {
     }
     for (const auto& [entry, proc] : module.entryPoints) {
       if (present->second.entryPoints.count(entry) == 0) {
-        absent.push_back(name + "!" + entry);
+        std::string qualified = name;
+        qualified += '!';
+        qualified += entry;
+        absent.push_back(std::move(qualified));
       }
     }
   }

@@ -7,8 +7,8 @@
 #include "hostkit/sim/profile.h"
 #include "platform/sim/profile_devices.h"
 #include "platform/sim/profile_hardware.h"
-#include "platform/sim/profile_support.h"
 #include "platform/sim/profile_network.h"
+#include "platform/sim/profile_support.h"
 #include "platform/sim/profile_windows.h"
 
 namespace Hostkit::sim {

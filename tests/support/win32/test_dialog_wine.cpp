@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdio>
 #include <mutex>
 #include <thread>
 
@@ -120,7 +121,10 @@ class WineDialog : public TestDialog {
     RegisterClassW(&windowClass);  // fails harmlessly when an earlier dialog registered it
     HWND window = CreateWindowExW(0, kClassName, title_.c_str(), WS_OVERLAPPEDWINDOW, 10, 10, 320,
                                   200, nullptr, nullptr, instance, this);
-    if (window != nullptr) {
+    if (window == nullptr) {
+      // Wine makes no window when the desktop the process joined has no display driver.
+      std::fprintf(stderr, "test dialog: CreateWindowExW failed, error %lu\n", GetLastError());
+    } else {
       HWND next = CreateWindowExW(0, L"BUTTON", L"&Next >", WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON,
                                   200, 130, 90, 25, window,
                                   reinterpret_cast<HMENU>(INT_PTR{kNextId}), instance, nullptr);
