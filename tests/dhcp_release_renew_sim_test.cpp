@@ -17,7 +17,6 @@ using Hostkit::DhcpReleaseRenew;
 using Hostkit::LiveTcpipInfo;
 using Hostkit::sim::DhcpRequest;
 using Hostkit::sim::LiveInterface;
-using hostkit_test::Release;
 
 constexpr const char* kCard = "00-0c-76-3a-5e-21";    // on DHCP, its server answers
 constexpr const char* kStatic = "00-60-08-ab-cd-01";  // a fixed address

@@ -47,7 +47,8 @@ TEST(SnmpValues, IdentifierTextsConvertBothWays) {
   }
   snmp::AsnObjectIdentifier none{};
   ASSERT_TRUE(Hostkit::live::ToAgentOid("", &TestAlloc, none));
-  EXPECT_EQ(none.ids, nullptr);
+  const UINT* ids = none.ids;  // a copy: the packed member is not aligned for a reference
+  EXPECT_EQ(ids, nullptr);
   std::string text = "left over";
   EXPECT_FALSE(Hostkit::live::OidText(none, text));
   EXPECT_EQ(text, "");
