@@ -115,6 +115,12 @@ bool NamesAdapter(const WCHAR* entry, std::size_t capacity, const wstring& adapt
   return start == 0 || entry[start - 1] == '_' || entry[start - 1] == '\\';
 }
 
+// GetNetworkParams' record: the DNS servers and the domain.
+bool ReadNetworkParams(FARPROC entry, TableBuffer& buffer) {
+  return CallTable<ip::FixedInfo>(platform::ProcAs<ip::GetNetworkParamsProc>(entry),
+                                  {ip::kBufferOverflow}, buffer);
+}
+
 }  // namespace
 
 IpHelperBinding::IpHelperBinding() {
@@ -189,8 +195,7 @@ bool IpHelperBinding::DnsServers(std::vector<std::string>& servers) const {
   }
   try {
     TableBuffer buffer;
-    if (!CallTable<ip::FixedInfo>(platform::ProcAs<ip::GetNetworkParamsProc>(getNetworkParams_),
-                                  {ip::kBufferOverflow}, buffer)) {
+    if (!ReadNetworkParams(getNetworkParams_, buffer)) {
       return false;
     }
     for (const ip::IpAddrString* server = &buffer.As<ip::FixedInfo>()->dnsServerList;
@@ -214,8 +219,7 @@ bool IpHelperBinding::DomainName(std::string& domain) const {
   }
   try {
     TableBuffer buffer;
-    if (!CallTable<ip::FixedInfo>(platform::ProcAs<ip::GetNetworkParamsProc>(getNetworkParams_),
-                                  {ip::kBufferOverflow}, buffer)) {
+    if (!ReadNetworkParams(getNetworkParams_, buffer)) {
       return false;
     }
     domain = FieldText(buffer.As<ip::FixedInfo>()->domainName);
