@@ -209,31 +209,29 @@ TEST_P(IEProxy, GetterTakesServerToFirstColonAndLeadingDigitsOfPort) {
 }
 
 TEST_P(IEProxy, ExceptionListKeepsLocalBypass) {
-  EXPECT_TRUE(ie_.EnableLocalBypass(false)) << "nothing to disable";
-  EXPECT_EQ(Setting("ProxyOverride"), "(none)");
-  ASSERT_TRUE(ie_.EnableLocalBypass(true));
-  EXPECT_EQ(Setting("ProxyOverride"), "<local>");
-  ASSERT_TRUE(ie_.SetProxyExceptions(W("a.com;b.com")));
-  EXPECT_EQ(Setting("ProxyOverride"), "a.com;b.com;<local>");
-  ASSERT_TRUE(ie_.EnableLocalBypass(true));
-  EXPECT_EQ(Setting("ProxyOverride"), "a.com;b.com;<local>") << "already on";
+  const auto bypass = [&](bool on, const char* after) {
+    EXPECT_TRUE(ie_.EnableLocalBypass(on)) << after;
+    EXPECT_EQ(Setting("ProxyOverride"), after);
+  };
+  const auto except = [&](const char* list, const char* after) {
+    EXPECT_TRUE(ie_.SetProxyExceptions(W(list))) << after;
+    EXPECT_EQ(Setting("ProxyOverride"), after);
+  };
+  bypass(false, "(none)");  // nothing to disable
+  bypass(true, "<local>");
+  except("a.com;b.com", "a.com;b.com;<local>");
+  bypass(true, "a.com;b.com;<local>");  // already on
 
   SetSetting("ProxyOverride", "a.com;<local>");
-  ASSERT_TRUE(ie_.SetProxyExceptions(W("")));
-  EXPECT_EQ(Setting("ProxyOverride"), "<local>");
-  ASSERT_TRUE(ie_.EnableLocalBypass(false));
-  EXPECT_EQ(Setting("ProxyOverride"), "(none)");
+  except("", "<local>");
+  bypass(false, "(none)");
 
   SetSetting("ProxyOverride", "a.com;<local>;b.com");
-  ASSERT_TRUE(ie_.EnableLocalBypass(false));
-  EXPECT_EQ(Setting("ProxyOverride"), "a.com");
-  ASSERT_TRUE(ie_.EnableLocalBypass(true));
-  EXPECT_EQ(Setting("ProxyOverride"), "a.com;<local>");
-  ASSERT_TRUE(ie_.EnableLocalBypass(false));
-  ASSERT_TRUE(ie_.SetProxyExceptions(W("c.com")));
-  EXPECT_EQ(Setting("ProxyOverride"), "c.com");
-  ASSERT_TRUE(ie_.SetProxyExceptions(W("")));
-  EXPECT_EQ(Setting("ProxyOverride"), "(none)");
+  bypass(false, "a.com");
+  bypass(true, "a.com;<local>");
+  bypass(false, "a.com");
+  except("c.com", "c.com");
+  except("", "(none)");
 }
 
 TEST_P(IEProxy, AutomaticConfigurationScriptRoundTrips) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -39,7 +40,8 @@ constexpr const char* kIdentities = "Identities";
 constexpr const char* kShared = "Software\\Microsoft\\Internet Account Manager";
 
 // A registry subtree of HKEY_CURRENT_USER: its keys (relative paths, "" for the top) and its
-// values ("path|name" -> "sz:text", "dword:N" or the type and raw bytes).
+// values ("path|name" -> "sz:text", "dword:N" or the type and raw bytes), with the raw type and
+// bytes kept for putting them back.
 struct Tree {
   std::set<std::string> keys;
   std::map<std::string, std::string> values;
@@ -47,10 +49,18 @@ struct Tree {
   bool operator==(const Tree& other) const { return keys == other.keys && values == other.values; }
 };
 
-std::string Join(std::string path, const std::string& name, char separator = '\\') {
-  path += separator;
-  path += name;
-  return path;
+std::string Join(const std::string& path, const std::string& name, char separator = '\\') {
+  return path + separator + name;
+}
+
+std::string Readable(DWORD type, const std::string& data) {
+  if (type == REG_SZ) {
+    return "sz:" + data.substr(0, data.find('\0'));
+  }
+  if (type == REG_DWORD && data.size() == 4) {
+    return "dword:" + std::to_string(*reinterpret_cast<const DWORD*>(data.data()));
+  }
+  return "type" + std::to_string(type) + ":" + data;
 }
 
 void Walk(HKEY key, const std::string& path, Tree& tree) {
@@ -65,17 +75,10 @@ void Walk(HKEY key, const std::string& path, Tree& tree) {
                                 reinterpret_cast<BYTE*>(data.data()), &dataSize) != ERROR_SUCCESS) {
       break;
     }
-    name.resize(nameSize);
     data.resize(dataSize);
-    const std::string at = Join(path, name, '|');
+    const std::string at = Join(path, name.substr(0, nameSize), '|');
     tree.raw[at] = {type, data};
-    if (type == REG_SZ) {
-      tree.values[at] = "sz:" + data.substr(0, data.find('\0'));
-    } else if (type == REG_DWORD && data.size() == 4) {
-      tree.values[at] = "dword:" + std::to_string(*reinterpret_cast<const DWORD*>(data.data()));
-    } else {
-      tree.values[at] = "type" + std::to_string(type) + ":" + data;
-    }
+    tree.values[at] = Readable(type, data);
   }
   for (const std::string& sub : hostkit_test::registry_probe::Subkeys(key)) {
     HKEY child = nullptr;
@@ -146,24 +149,11 @@ ConfigureOE::AccountInfo Account(const std::string& user, const std::string& nam
   return info;
 }
 
-// "{XXXXXXXX-XXXX-xxxx-XXXX-XXXXXXXXXXXX}": hexadecimal groups of 8, 4, 4, 4 and 12 digits, the
-// third in lower case and the others in upper case.
+// "{XXXXXXXX-XXXX-xxxx-XXXX-XXXXXXXXXXXX}": the third group in lower case, the others in upper.
 bool IsIdentityId(const std::string& id) {
-  const std::string shape = "{UUUUUUUU-UUUU-llll-UUUU-UUUUUUUUUUUU}";
-  if (id.size() != shape.size()) {
-    return false;
-  }
-  for (size_t i = 0; i < id.size(); ++i) {
-    const char c = id[i];
-    const bool digit = c >= '0' && c <= '9';
-    const bool ok = shape[i] == 'U'   ? digit || (c >= 'A' && c <= 'F')
-                    : shape[i] == 'l' ? digit || (c >= 'a' && c <= 'f')
-                                      : c == shape[i];
-    if (!ok) {
-      return false;
-    }
-  }
-  return true;
+  static const std::regex shape(
+      "\\{[0-9A-F]{8}-[0-9A-F]{4}-[0-9a-f]{4}-[0-9A-F]{4}-[0-9A-F]{12}\\}");
+  return std::regex_match(id, shape);
 }
 
 class OutlookExpress : public PerRelease {};
@@ -182,7 +172,7 @@ TEST_P(OutlookExpress, NewIdentityHoldsExactlyItsAccountsAndGoesWithoutTrace) {
   const std::string ordinal = identitiesBefore.values.count("|Identity Ordinal") != 0
                                   ? identitiesBefore.values.at("|Identity Ordinal").substr(6)
                                   : "0";
-  const std::string manager = "Software\\Microsoft\\Internet Account Manager";
+  const std::string manager = kShared;
   const std::string accounts = manager + "\\Accounts";
   Tree expected;
   expected.keys = {"",

@@ -14,7 +14,6 @@
 #include "hostkit/sim/profile.h"
 #include "inventory/inventory_impl.h"
 #include "platform/handles.h"
-#include "platform/registry.h"
 #include "platform/sync.h"
 #include "platform/threads.h"
 #include "platform/time.h"
@@ -64,22 +63,9 @@ TEST(CpuSpeedSim, MeasuresTheConfiguredClockOnVirtualTime) {
   EXPECT_EQ(CPU().Speed(-1, false), 0);
 }
 
-TEST(CpuSpeedSim, RegistryFigureComesFirstWithoutAThread) {
-  auto machine = MachineWith(700, 10000000);
-  HKEY key = nullptr;
-  ASSERT_EQ(platform::RegCreateKeyExA(HKEY_LOCAL_MACHINE, kProcessorKey, 0, nullptr, 0,
-                                      KEY_ALL_ACCESS, nullptr, &key, nullptr),
-            ERROR_SUCCESS);
-  const DWORD mhz = 451;
-  ASSERT_EQ(platform::RegSetValueExA(key, "~Mhz", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&mhz),
-                                     sizeof mhz),
-            ERROR_SUCCESS);
-  platform::RegCloseKey(key);
-  EXPECT_EQ(CPU().Speed(0, true), 451);
-  EXPECT_EQ(machine->clock().now(), 0U);  // nothing was measured
-}
-
-TEST(CpuSpeedSim, TimeOutGivesMinusOneWithOrWithoutTermination) {
+// The registry's figure comes first, without a measuring thread; otherwise a zero timeout
+// gives -1, whether or not the worker is terminated.
+TEST(CpuSpeedSim, RegistryFigureFirstAndTimeOutGivesMinusOne) {
   for (bool terminate : {true, false}) {
     auto machine = MachineWith(500, 10000000);
     EXPECT_EQ(CPU().Speed(0, terminate), -1);
@@ -89,6 +75,12 @@ TEST(CpuSpeedSim, TimeOutGivesMinusOneWithOrWithoutTermination) {
       EXPECT_EQ(machine->clock().now(), 0U);
     }
   }
+  auto machine = MachineWith(700, 10000000);
+  Hostkit::RegWiz wiz;
+  ASSERT_TRUE(wiz.CreateKey(HKEY_LOCAL_MACHINE, kProcessorKey));
+  ASSERT_TRUE(wiz.SetDwordKeyVal(HKEY_LOCAL_MACHINE, kProcessorKey, "~Mhz", 451));
+  EXPECT_EQ(CPU().Speed(0, true), 451);
+  EXPECT_EQ(machine->clock().now(), 0U);  // nothing was measured
 }
 
 DWORD WINAPI SleepTenSeconds(void* done) {
@@ -146,10 +138,7 @@ TEST(CpuSim, CountFamilyVendorAndName) {
   EXPECT_EQ(CPU().ProductName(), "");
   // The registry's texts win over CPUID.
   Hostkit::RegWiz wiz;
-  HKEY key = nullptr;
-  platform::RegCreateKeyExA(HKEY_LOCAL_MACHINE, kProcessorKey, 0, nullptr, 0, KEY_ALL_ACCESS,
-                            nullptr, &key, nullptr);
-  platform::RegCloseKey(key);
+  ASSERT_TRUE(wiz.CreateKey(HKEY_LOCAL_MACHINE, kProcessorKey));
   ASSERT_TRUE(wiz.SetKeyVal(HKEY_LOCAL_MACHINE, kProcessorKey, "VendorIdentifier",
                             std::string(90, 'V').c_str()));
   ASSERT_TRUE(wiz.SetKeyVal(HKEY_LOCAL_MACHINE, kProcessorKey, "Identifier",
@@ -234,10 +223,6 @@ TEST(DriveSim, FallsBackWithoutTheExtendedCall) {
   EXPECT_EQ(drive.AvailableSpace('C', Drive::GIGABYTES), 5UL);
   EXPECT_EQ(drive.AvailableSpace('Q', Drive::BYTES), 0UL);
 }
-
-}  // namespace
-
-namespace {
 
 TEST(HardwareProfileSim, LoadsSavesAndReportsTheLineAtFault) {
   const std::string profile = R"({

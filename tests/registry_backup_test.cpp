@@ -12,6 +12,7 @@
 #include "foundation/reg_file.h"
 #include "hostkit/regwiz.h"
 #include "platform/registry.h"
+#include "support/registry_probe.h"
 #include "support/scratch_folder.h"
 #include "support/test_machine.h"
 
@@ -40,17 +41,9 @@ class RegistryBackupTest : public PerRelease {
   bool unicode() const { return GetParam() == Release::Win2000 || GetParam() == Release::WinXP; }
 
   // Creates `path` below the test key and sets one value there from its narrow bytes.
-  static void Set(const std::string& path, const std::string& name, DWORD type,
-                  const std::string& data) {
-    HKEY key = nullptr;
-    ASSERT_EQ(Hostkit::platform::RegCreateKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, nullptr,
-                                                 REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                                                 &key, nullptr),
-              ERROR_SUCCESS);
-    EXPECT_EQ(Hostkit::platform::RegSetValueExA(key, name.c_str(), 0, type,
-                                                reinterpret_cast<const BYTE*>(data.data()),
-                                                static_cast<DWORD>(data.size())),
-              ERROR_SUCCESS);
+  static void Set(const std::string& path, const char* name, DWORD type, const std::string& data) {
+    HKEY key = hostkit_test::registry_probe::Create(HKEY_CURRENT_USER, path.c_str());
+    EXPECT_EQ(hostkit_test::registry_probe::Set(key, name, data, type), ERROR_SUCCESS) << name;
     Hostkit::platform::RegCloseKey(key);
   }
 
@@ -200,11 +193,9 @@ class RegistryBackupRoundTrip : public RegistryBackupTest {
   void ExpectRoundTrip(const std::function<bool(const std::string&)>& import) {
     FillTestKey();
     const std::string saved = SaveTestKey();
-    ASSERT_TRUE(Hostkit::RegWiz().DeleteKey(HKEY_CURRENT_USER,
-                                            "Software\\HostkitTest\\Backup\\Child\\Grand"));
-    ASSERT_TRUE(
-        Hostkit::RegWiz().DeleteKey(HKEY_CURRENT_USER, "Software\\HostkitTest\\Backup\\Child"));
-    ASSERT_TRUE(Hostkit::RegWiz().DeleteKey(HKEY_CURRENT_USER, kKey));
+    Hostkit::RegWiz reg;
+    ASSERT_TRUE(reg.DeleteKey(HKEY_CURRENT_USER, kKey));
+    ASSERT_FALSE(reg.DoesKeyExist(HKEY_CURRENT_USER, kKey));
     ASSERT_TRUE(import(saved));
     EXPECT_EQ(SaveTestKey(), saved);
   }

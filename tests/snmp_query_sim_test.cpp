@@ -69,35 +69,29 @@ TEST(SnmpValues, BeyondTheLimitComparesOverTheLimitsLength) {
   EXPECT_TRUE(beyond("1.3.6.1.2.2"));
 }
 
-snmp::AsnAny Octets(std::vector<BYTE>& bytes, BYTE type = snmp::kOctetString) {
-  snmp::AsnAny value{};
-  value.asnType = type;
-  value.asnValue.string = {bytes.data(), static_cast<UINT>(bytes.size()), FALSE};
-  return value;
-}
-
 TEST(SnmpValues, ValueTextsByTag) {
+  struct Case {
+    BYTE type;
+    std::vector<BYTE> bytes;
+    std::string text;
+  };
+  // Octet strings: printable text with a line feed, else hexadecimal (one byte above 127
+  // makes it all hex); addresses of other than four bytes read 0.0.0.0.
+  for (Case c : std::vector<Case>{
+           {snmp::kOctetString, {'P', 'R', 'O', '/', '1', ' ', '~', 127}, "PRO/1 ~\x7f\n"},
+           {snmp::kOctetString, {0x00, 0xa0, 0xc9, 0x12, 0x34, 0x56}, "00a0c9123456\n"},
+           {snmp::kOctetString, {'A', 'B', 128}, "414280\n"},
+           {snmp::kOctetString, {}, "\n"},
+           {snmp::kIpAddress, {192, 168, 1, 254}, "192.168.1.254"},
+           {snmp::kIpAddress, {10, 0}, "0.0.0.0"}}) {
+    snmp::AsnAny value{};
+    value.asnType = c.type;
+    value.asnValue.string = {c.bytes.data(), static_cast<UINT>(c.bytes.size()), FALSE};
+    std::string text;
+    EXPECT_TRUE(Hostkit::live::ValueText(value, text));
+    EXPECT_EQ(text, c.text);
+  }
   std::string text;
-  std::vector<BYTE> description = {'P', 'R', 'O', '/', '1', '0', '0', ' ', '~', 127};
-  EXPECT_TRUE(Hostkit::live::ValueText(Octets(description), text));
-  EXPECT_EQ(text, "PRO/100 ~\x7f\n");
-  std::vector<BYTE> hardware = {0x00, 0xa0, 0xc9, 0x12, 0x34, 0x56};
-  EXPECT_TRUE(Hostkit::live::ValueText(Octets(hardware), text));
-  EXPECT_EQ(text, "00a0c9123456\n");
-  std::vector<BYTE> mostlyPrintable = {'A', 'B', 128};  // one byte above 127 makes it all hex
-  EXPECT_TRUE(Hostkit::live::ValueText(Octets(mostlyPrintable), text));
-  EXPECT_EQ(text, "414280\n");
-  std::vector<BYTE> empty;
-  EXPECT_TRUE(Hostkit::live::ValueText(Octets(empty), text));
-  EXPECT_EQ(text, "\n");
-
-  std::vector<BYTE> address = {192, 168, 1, 254};
-  EXPECT_TRUE(Hostkit::live::ValueText(Octets(address, snmp::kIpAddress), text));
-  EXPECT_EQ(text, "192.168.1.254");
-  std::vector<BYTE> shortAddress = {10, 0};
-  EXPECT_TRUE(Hostkit::live::ValueText(Octets(shortAddress, snmp::kIpAddress), text));
-  EXPECT_EQ(text, "0.0.0.0");
-
   snmp::AsnAny number{};
   number.asnType = snmp::kInteger;
   number.asnValue.number = -24;
@@ -123,25 +117,23 @@ void GiveNetwork(Hostkit::sim::Machine& machine) {
     Hostkit::platform::RegCloseKey(key);
   }
   auto& network = machine.liveNetwork();
-  LiveInterface card;
-  card.index = 3;
-  card.description = "3Com EtherLink XL";
-  card.hardwareAddress = {0x00, 0x60, 0x08, 0xab, 0xcd, 0x01};
-  card.address = "192.168.1.10";
-  card.mask = "255.255.255.0";
-  network.interfaces.push_back(card);
-  LiveInterface dialUp;
-  dialUp.index = 2;
-  dialUp.description = "WAN (PPP/SLIP) Interface";
-  dialUp.type = Hostkit::sim::kIfTypePpp;
-  dialUp.hardwareAddress = {0x20, 0x41, 0x53, 0x59, 0x4e, 0x48};  // all printable
-  network.interfaces.push_back(dialUp);
-  card.index = 12;
-  card.description = "Intel PRO/100";
-  card.hardwareAddress = {0x00, 0xa0, 0xc9, 0x12, 0x34, 0x56};
-  card.address = "10.0.0.7";
-  card.mask = "255.0.0.0";
-  network.interfaces.push_back(card);
+  // index, description, type, hardware address, address and mask
+  const auto add = [&](DWORD index, const char* description, DWORD type, std::vector<BYTE> hardware,
+                       const char* address, const char* mask) {
+    LiveInterface& card = network.interfaces.emplace_back();
+    card.index = index;
+    card.description = description;
+    card.type = type;
+    card.hardwareAddress = std::move(hardware);
+    card.address = address;
+    card.mask = mask;
+  };
+  const DWORD ethernet = Hostkit::sim::kIfTypeEthernet;
+  add(3, "3Com EtherLink XL", ethernet, {0x00, 0x60, 0x08, 0xab, 0xcd, 0x01}, "192.168.1.10",
+      "255.255.255.0");
+  add(2, "WAN (PPP/SLIP) Interface", Hostkit::sim::kIfTypePpp, {0x20, 0x41, 0x53, 0x59, 0x4e, 0x48},
+      "", "");  // all printable
+  add(12, "Intel PRO/100", ethernet, {0x00, 0xa0, 0xc9, 0x12, 0x34, 0x56}, "10.0.0.7", "255.0.0.0");
   network.routes = {{"192.168.1.0", "255.255.255.0", "192.168.1.10", 3},
                     {"0.0.0.0", "0.0.0.0", "192.168.1.1", 3},
                     {"0.0.0.0", "0.0.0.0", "192.168.1.254", 3}};
@@ -153,30 +145,27 @@ TEST_P(SnmpOnSim, RowsFollowTheLiveNetwork) {
   GiveNetwork(*machine_);
   std::vector<Hostkit::live::SnmpInterfaceRow> rows;
   ASSERT_TRUE(Hostkit::live::ReadSnmpInterfaceRows(rows));
-  ASSERT_EQ(rows.size(), 3u);  // the loopback interface is never listed
-  // In ifIndex order.
-  EXPECT_EQ(rows[0].description, HK_WIDE("WAN (PPP/SLIP) Interface"));
-  EXPECT_EQ(rows[0].type, Hostkit::sim::kIfTypePpp);
-  EXPECT_EQ(rows[0].hardwareAddress, "20-41-53-59-4e-48");
-  EXPECT_EQ(rows[0].ipAddress + rows[0].subnetMask + rows[0].defaultGateway, "");
-
-  EXPECT_EQ(rows[1].description, HK_WIDE("3Com EtherLink XL"));
-  EXPECT_EQ(rows[1].hardwareAddress, "00-60-08-ab-cd-01");
-  EXPECT_EQ(rows[1].ipAddress, "192.168.1.10");
-  EXPECT_EQ(rows[1].subnetMask, "255.255.255.0");
-  EXPECT_EQ(rows[1].defaultGateway, "192.168.1.254");  // the later default route
-
-  EXPECT_EQ(rows[2].hardwareAddress, "00-a0-c9-12-34-56");
-  EXPECT_EQ(rows[2].ipAddress, "10.0.0.7");
-  EXPECT_EQ(rows[2].subnetMask, "255.0.0.0");
-  EXPECT_EQ(rows[2].defaultGateway, "");
-  EXPECT_EQ(rows[2].type, Hostkit::sim::kIfTypeEthernet);
+  // In ifIndex order, the loopback interface never listed; the later default route counts.
+  auto texts = [&rows] {
+    std::vector<std::string> lines;
+    lines.reserve(rows.size());
+    for (const auto& row : rows) {
+      lines.push_back(std::string(row.description.begin(), row.description.end()) + "|" +
+                      std::to_string(row.type) + "|" + row.hardwareAddress + "|" + row.ipAddress +
+                      "|" + row.subnetMask + "|" + row.defaultGateway);
+    }
+    return lines;
+  };
+  EXPECT_EQ(texts(), (std::vector<std::string>{
+                         "WAN (PPP/SLIP) Interface|23|20-41-53-59-4e-48|||",
+                         "3Com EtherLink XL|6|00-60-08-ab-cd-01|192.168.1.10|255.255.255.0|"
+                         "192.168.1.254",
+                         "Intel PRO/100|6|00-a0-c9-12-34-56|10.0.0.7|255.0.0.0|"}));
 
   // A release moves the interface's address away, and the next walk sees it.
   machine_->liveNetwork().interfaces[0].address.clear();
   ASSERT_TRUE(Hostkit::live::ReadSnmpInterfaceRows(rows));
-  ASSERT_EQ(rows.size(), 3u);
-  EXPECT_EQ(rows[1].ipAddress + rows[1].subnetMask + rows[1].defaultGateway, "");
+  EXPECT_EQ(texts()[1], "3Com EtherLink XL|6|00-60-08-ab-cd-01|||");
 }
 
 TEST_P(SnmpOnSim, WalkStaysWithinItsBoundsInIdentifierOrder) {
@@ -231,10 +220,23 @@ BOOL WINAPI CountingInit(DWORD uptime, HANDLE* trap, snmp::AsnObjectIdentifier* 
   return Hostkit::platform::ProcAs<snmp::ExtensionInit>(realInit)(uptime, trap, view);
 }
 
-TEST(SnmpUnusable, NoAgentIsTouchedOnNt4WithoutTcpip) {
-  for (const bool tcpip : {false, true}) {
-    auto machine = hostkit_test::UseFreshMachine(Release::WinNT4);
-    if (tcpip) {
+// NT 4 without TCP/IP, and a machine missing any module or entry point of the agent: the
+// reader is unusable, and on NT 4 the agent is not even touched. NT 4 with TCP/IP is the
+// usable counterpart.
+TEST(SnmpUnusable, NoTcpipOnNt4OrAnAbsentPartMakesTheReaderUnusable) {
+  for (const std::string absent : {"", "INETMIB1.DLL", "SNMPAPI.DLL", "SNMPAPI.DLL!SnmpUtilMemFree",
+                                   "INETMIB1.DLL!SnmpExtensionQuery", "nt4"}) {
+    SCOPED_TRACE(absent);
+    const bool nt4 = absent.empty() || absent == "nt4";
+    std::string error;
+    auto machine = Hostkit::sim::LoadMachineProfileText(
+        nt4 ? std::string(R"({"release": "nt40"})")
+            : R"({"release": "win98", "absent": [")" + absent + R"("]})",
+        "absent.json", {}, std::filesystem::temp_directory_path(), error);
+    ASSERT_NE(machine, nullptr) << error;
+    Hostkit::sim::ActivateMachine(machine);
+    const bool usable = absent == "nt4";
+    if (!nt4 || usable) {
       GiveNetwork(*machine);
     }
     auto& alloc = machine->modules()[snmp::kUtilityModule].entryPoints[snmp::kMemAlloc];
@@ -245,31 +247,14 @@ TEST(SnmpUnusable, NoAgentIsTouchedOnNt4WithoutTcpip) {
     init = Hostkit::platform::AsProc(&CountingInit);
     agentCalls = 0;
     CSNMPQuery query;
-    EXPECT_EQ(query.IsUsable(), tcpip);
-    EXPECT_EQ(query.Walk("1.3.6.1.2.1", "1.3.6.1.2.1.4.21.1.11"), tcpip);
-    EXPECT_EQ(agentCalls > 0, tcpip) << (tcpip ? "with" : "without") << " TCP/IP";
+    EXPECT_EQ(query.IsUsable(), usable);
+    EXPECT_EQ(query.Walk("1.3.6.1.2.1", "1.3.6.1.2.1.4.21.1.11"), usable);
+    EXPECT_EQ(query.Cache().empty(), !usable);
+    if (nt4) {
+      EXPECT_EQ(agentCalls > 0, usable);
+    }
     std::vector<Hostkit::live::SnmpInterfaceRow> rows;
-    EXPECT_EQ(Hostkit::live::ReadSnmpInterfaceRows(rows), tcpip);
-  }
-  Hostkit::sim::ActivateMachine(nullptr);
-}
-
-TEST(SnmpUnusable, AbsentModulesOrEntriesMakeTheReaderUnusable) {
-  for (const std::string absent : {"INETMIB1.DLL", "SNMPAPI.DLL", "SNMPAPI.DLL!SnmpUtilMemFree",
-                                   "INETMIB1.DLL!SnmpExtensionQuery"}) {
-    std::string error;
-    auto machine = Hostkit::sim::LoadMachineProfileText(
-        R"({"release": "win98", "absent": [")" + absent + R"("]})", "absent.json", {},
-        std::filesystem::temp_directory_path(), error);
-    ASSERT_NE(machine, nullptr) << error;
-    Hostkit::sim::ActivateMachine(machine);
-    GiveNetwork(*machine);
-    CSNMPQuery query;
-    EXPECT_FALSE(query.IsUsable()) << absent;
-    EXPECT_FALSE(query.Walk("1.3.6.1.2.1", "1.3.6.1.2.1.4.21.1.11")) << absent;
-    EXPECT_TRUE(query.Cache().empty());
-    std::vector<Hostkit::live::SnmpInterfaceRow> rows;
-    EXPECT_FALSE(Hostkit::live::ReadSnmpInterfaceRows(rows)) << absent;
+    EXPECT_EQ(Hostkit::live::ReadSnmpInterfaceRows(rows), usable);
   }
   Hostkit::sim::ActivateMachine(nullptr);
 }

@@ -67,6 +67,8 @@ const char* const kTuningOverlay =
     "[HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\Services\\HostkitNoBus\\Parameters\\Tcpip]"
     "\r\n";
 
+// The writes below "System\CurrentControlSet\Services", and those below the literal
+// "CurrentControlSet" with that prefix, sorted.
 std::vector<std::string> ExpectedTuning(Release release, const std::vector<std::string>& ifs) {
   const std::string window = release == Release::Win95 ? "64240" : "256960";
   switch (release) {
@@ -75,24 +77,20 @@ std::vector<std::string> ExpectedTuning(Release release, const std::vector<std::
     case Release::WinME:
       // Only the 3Com card is Ethernet, enabled and bound: not the disabled Realtek, not the
       // unbound NE2000, not the dial-up adapter.
-      return {
-          "System\\CurrentControlSet\\Services\\Class\\NetTrans\\0000|MaxMTU=\"1500\"",
-          "System\\CurrentControlSet\\Services\\VxD\\MSTCP|DefaultRcvWindow=\"" + window + "\""};
+      return {"Class\\NetTrans\\0000|MaxMTU=\"1500\"",
+              "VxD\\MSTCP|DefaultRcvWindow=\"" + window + "\""};
     case Release::WinNT4:
       // NE20001 has a bus number but no TCP/IP key, which the tuning does not create.
-      return {"System\\CurrentControlSet\\Services\\E100B1\\Parameters\\Tcpip|MTU=dword:1500",
-              "System\\CurrentControlSet\\Services\\El90x1\\Parameters\\Tcpip|MTU=dword:1500",
-              "System\\CurrentControlSet\\Services\\Tcpip\\Parameters|TcpWindowSize=dword:64240"};
+      return {"E100B1\\Parameters\\Tcpip|MTU=dword:1500",
+              "El90x1\\Parameters\\Tcpip|MTU=dword:1500",
+              "Tcpip\\Parameters|TcpWindowSize=dword:64240"};
     case Release::Win2000: {
       std::vector<std::string> expected = {
           "CurrentControlSet\\Services\\Tcpip\\Parameters|EnablePMTUDiscovery=\"1\"",
-          "System\\CurrentControlSet\\Services\\Tcpip\\Parameters|GlobalMaxTcpWindowSize=dword:"
-          "372300",
-          "System\\CurrentControlSet\\Services\\Tcpip\\Parameters|Tcp1323Opts=dword:3",
-          "System\\CurrentControlSet\\Services\\Tcpip\\Parameters|TcpWindowSize=dword:372300"};
+          "Tcpip\\Parameters|GlobalMaxTcpWindowSize=dword:372300",
+          "Tcpip\\Parameters|Tcp1323Opts=dword:3", "Tcpip\\Parameters|TcpWindowSize=dword:372300"};
       for (const std::string& name : ifs) {
-        expected.push_back("System\\CurrentControlSet\\Services\\Tcpip\\Parameters\\Interfaces\\" +
-                           name + "|MTU=dword:1500");
+        expected.push_back("Tcpip\\Parameters\\Interfaces\\" + name + "|MTU=dword:1500");
       }
       std::sort(expected.begin(), expected.end());
       return expected;
@@ -140,14 +138,7 @@ TEST_P(BroadbandTuning, WritesExactlyTheFamilysValues) {
     EXPECT_EQ(user.Changes(), (std::vector<std::string>{"|MaxConnectionsPer1_0Server=dword:4",
                                                         "|MaxConnectionsPerServer=dword:8"}));
   }
-  std::vector<std::string> expected = ExpectedTuning(GetParam(), interfaces);
-  for (std::string& line : expected) {
-    if (line.rfind("System\\CurrentControlSet\\Services\\", 0) == 0) {
-      line.erase(0, std::string("System\\CurrentControlSet\\Services\\").size());
-    }
-  }
-  std::sort(expected.begin(), expected.end());
-  EXPECT_EQ(written, expected);
+  EXPECT_EQ(written, ExpectedTuning(GetParam(), interfaces));
 }
 
 INSTANTIATE_TEST_SUITE_P(AllReleases, BroadbandTuning,

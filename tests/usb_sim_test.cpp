@@ -82,9 +82,13 @@ SimUsb Hub(std::vector<SimUsbPort> ports) {
   return usb;
 }
 
-SimUsbPort Port(DWORD status) {
+SimUsbPort Port(DWORD status, bool queryFails = false, const std::string& hub = "",
+                const std::string& driverKey = "") {
   SimUsbPort port;
   port.status = status;
+  port.queryFails = queryFails;
+  port.hub = hub;
+  port.driverKey = driverKey;
   return port;
 }
 
@@ -123,10 +127,8 @@ TEST(UsbSim, EveryControllerNumberIsTriedAndFailuresAreSkipped) {
   AddUsbDevice(*machine, "HCD1", "USBFDO-1", Controller("HUB1"));
   AddUsbDevice(*machine, "HUB1", "USBPDO-1", Hub({Port(1), Port(0)}));
   AddUsbDevice(*machine, "HCD3", "USBFDO-3", Controller("HUB3"));
-  SimUsbPort failing = Port(1);
-  failing.queryFails = true;
   // A failed query is not counted; a failure state is seen but not in use.
-  AddUsbDevice(*machine, "HUB3", "USBPDO-3", Hub({failing, Port(5), Port(2), Port(1)}));
+  AddUsbDevice(*machine, "HUB3", "USBPDO-3", Hub({Port(1, true), Port(5), Port(2), Port(1)}));
   EXPECT_EQ(Usb().NumberOfPortsExisting(), 5);
   EXPECT_EQ(Usb().NumberOfPortsOpen(), 3);
 
@@ -137,17 +139,12 @@ TEST(UsbSim, EveryControllerNumberIsTriedAndFailuresAreSkipped) {
   EXPECT_EQ(Usb().NumberOfPortsExisting(), 5);
 
   // A hub port naming a hub that does not open still counts as a port in use.
-  SimUsbPort lostHub = Port(1);
-  lostHub.hub = "GONE#HUB";
-  lostHub.driverKey = "key";
-  machine->devices()["USBPDO-1"].usb.ports[1] = lostHub;
+  machine->devices()["USBPDO-1"].usb.ports[1] = Port(1, false, "GONE#HUB", "key");
   EXPECT_EQ(Usb().NumberOfPortsExisting(), 5);
   EXPECT_EQ(Usb().NumberOfPortsOpen(), 2);
 
   // A hub naming itself (a faulty driver) is followed only to the depth USB allows.
-  SimUsbPort loop = Port(1);
-  loop.hub = "HUB1";
-  machine->devices()["USBPDO-1"].usb.ports[1] = loop;
+  machine->devices()["USBPDO-1"].usb.ports[1] = Port(1, false, "HUB1");
   EXPECT_EQ(Usb().NumberOfPortsExisting(), 2 * 7 + 3);
 }
 
@@ -192,31 +189,15 @@ TEST(UsbSim, RequestsUseTheFixedBuffersAndTwoStepNames) {
 TEST(UsbSim, StackAnswersTheInterfaceRecords) {
   auto machine = UseTree(Release::Win2000);
   ASSERT_NE(machine, nullptr);
-  auto open = [](const std::string& name) {
-    return platform::CreateFileA(("\\\\.\\" + name).c_str(), GENERIC_WRITE, FILE_SHARE_WRITE,
-                                 nullptr, OPEN_EXISTING, 0, nullptr);
-  };
   auto dword = [](const std::vector<BYTE>& record, std::size_t at) {
     return record[at] | record[at + 1] << 8 | record[at + 2] << 16 | record[at + 3] << 24;
   };
+  // The two-step name requests are pinned by their sizes above; here the records' layout.
   DWORD returned = 0;
-  HANDLE controller = open("HCD0");
-  ASSERT_NE(controller, INVALID_HANDLE_VALUE);
-  std::vector<BYTE> name(6, 0);
-  EXPECT_FALSE(platform::DeviceIoControl(controller, 0x220408, nullptr, 0, name.data(), 5,
-                                         &returned, nullptr));
-  EXPECT_EQ(platform::GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
-  ASSERT_TRUE(platform::DeviceIoControl(controller, 0x220408, nullptr, 0, name.data(), 6, &returned,
-                                        nullptr));
-  EXPECT_EQ(dword(name, 0), 4 + 2 * (std::string(kRootHub).size() + 1));
-  EXPECT_EQ(name[4], 'U');
-  platform::CloseHandle(controller);
-
-  HANDLE hub = open(kRootHub);
+  HANDLE hub = platform::CreateFileA((std::string("\\\\.\\") + kRootHub).c_str(), GENERIC_WRITE,
+                                     FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
   ASSERT_NE(hub, INVALID_HANDLE_VALUE);
   std::vector<BYTE> node(76, 0);
-  EXPECT_FALSE(
-      platform::DeviceIoControl(hub, 0x220408, nullptr, 0, node.data(), 75, &returned, nullptr));
   ASSERT_TRUE(
       platform::DeviceIoControl(hub, 0x220408, nullptr, 0, node.data(), 76, &returned, nullptr));
   EXPECT_EQ(returned, 76U);
@@ -225,11 +206,6 @@ TEST(UsbSim, StackAnswersTheInterfaceRecords) {
   EXPECT_EQ(node[6], 2);          // ports
 
   std::vector<BYTE> connection(365, 0);
-  for (DWORD port : {0U, 3U}) {
-    connection[0] = static_cast<BYTE>(port);
-    EXPECT_FALSE(platform::DeviceIoControl(hub, 0x22040C, connection.data(), 365, connection.data(),
-                                           365, &returned, nullptr));
-  }
   connection[0] = 2;
   ASSERT_TRUE(platform::DeviceIoControl(hub, 0x22040C, connection.data(), 365, connection.data(),
                                         365, &returned, nullptr));
@@ -255,23 +231,22 @@ TEST(UsbSim, ProfileTreeSavesAndLoadsAgain) {
   auto again = Hostkit::sim::LoadMachineProfile(folder / "m.json", error);
   std::filesystem::remove_all(folder);
   ASSERT_NE(again, nullptr) << error;
-  ASSERT_EQ(again->devices().size(), machine->devices().size());
-  for (const auto& [name, device] : machine->devices()) {
-    const SimUsb& a = device.usb;
-    const SimUsb& b = again->devices().at(name).usb;
-    EXPECT_EQ(a.role, b.role) << name;
-    EXPECT_EQ(a.rootHub, b.rootHub) << name;
-    EXPECT_EQ(a.driverKey, b.driverKey) << name;
-    ASSERT_EQ(a.ports.size(), b.ports.size()) << name;
-    for (std::size_t i = 0; i < a.ports.size(); ++i) {
-      const SimUsbPort& p = a.ports[i];
-      const SimUsbPort& q = b.ports[i];
-      EXPECT_TRUE(p.status == q.status && p.queryFails == q.queryFails &&
-                  p.vendorId == q.vendorId && p.productId == q.productId &&
-                  p.driverKey == q.driverKey && p.hub == q.hub)
-          << name << " port " << i + 1;
+  // Every USB field of every device, as one text per device.
+  auto usbText = [](Machine& m) {
+    std::map<std::string, std::string> texts;
+    for (const auto& [name, device] : m.devices()) {
+      const SimUsb& u = device.usb;
+      std::string& text = texts[name];
+      text = std::to_string(static_cast<int>(u.role)) + u.rootHub + "|" + u.driverKey;
+      for (const SimUsbPort& p : u.ports) {
+        text += "|" + std::to_string(p.status) + std::to_string(p.queryFails) + ":" +
+                std::to_string(p.vendorId) + ":" + std::to_string(p.productId) + ":" + p.driverKey +
+                ":" + p.hub;
+      }
     }
-  }
+    return texts;
+  };
+  EXPECT_EQ(usbText(*again), usbText(*machine));
   Hostkit::sim::ActivateMachine(again);
   EXPECT_EQ(Usb().NumberOfPortsExisting(), 4);
   EXPECT_EQ(Usb().NumberOfPortsOpen(), 2);
