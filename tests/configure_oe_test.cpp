@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -150,10 +149,23 @@ ConfigureOE::AccountInfo Account(const std::string& user, const std::string& nam
 }
 
 // "{XXXXXXXX-XXXX-xxxx-XXXX-XXXXXXXXXXXX}": the third group in lower case, the others in upper.
+// Checked character by character against a template: 'X' an upper-case and 'x' a lower-case
+// hexadecimal digit, anything else itself.
 bool IsIdentityId(const std::string& id) {
-  static const std::regex shape(
-      "\\{[0-9A-F]{8}-[0-9A-F]{4}-[0-9a-f]{4}-[0-9A-F]{4}-[0-9A-F]{12}\\}");
-  return std::regex_match(id, shape);
+  const std::string shape = "{XXXXXXXX-XXXX-xxxx-XXXX-XXXXXXXXXXXX}";
+  if (id.size() != shape.size()) {
+    return false;
+  }
+  for (size_t i = 0; i < id.size(); ++i) {
+    const bool digit = id[i] >= '0' && id[i] <= '9';
+    const bool ok = shape[i] == 'X'   ? digit || (id[i] >= 'A' && id[i] <= 'F')
+                    : shape[i] == 'x' ? digit || (id[i] >= 'a' && id[i] <= 'f')
+                                      : id[i] == shape[i];
+    if (!ok) {
+      return false;
+    }
+  }
+  return true;
 }
 
 class OutlookExpress : public PerRelease {};
