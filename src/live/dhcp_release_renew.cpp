@@ -14,6 +14,7 @@
 #include "hostkit/static_tcpip.h"
 #include "hostkit/strings.h"
 #include "live/dhcp_client.h"
+#include "live/hardware_address_text.h"
 #include "live/ip_helper_binding.h"
 #include "platform/time.h"
 
@@ -38,13 +39,6 @@ constexpr DWORD kBetweenVxdRequestsWait = 200;
 constexpr DWORD kRenewWait = 3500;
 
 enum class Request { Release, Renew };
-
-bool SameTextNoCase(const std::string& a, const std::string& b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return std::tolower(static_cast<unsigned char>(x)) ==
-                  std::tolower(static_cast<unsigned char>(y));
-         });
-}
 
 // Neither empty, nor "0.0.0.0", nor an automatic private address.
 bool IsUsableAddress(const std::string& address) {
@@ -80,7 +74,7 @@ void SendNtRequest(const std::string& adapter, Request request) {
   for (StaticTcpipInfo::AdapterInfo& record : stored) {
     std::string address;
     adapters::QueryAdapterMacAddress(record.ServiceName(), address);
-    if (!SameTextNoCase(address, adapter)) {
+    if (!live::SameHardwareAddress(address, adapter)) {
       continue;
     }
     std::string serviceName;

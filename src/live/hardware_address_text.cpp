@@ -1,6 +1,8 @@
 // Hardware address and address text of the live records.
 #include "live/hardware_address_text.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <utility>
 
@@ -58,6 +60,13 @@ std::string FormatDottedQuad(const BYTE (&bytes)[4]) {
   char text[16];
   std::snprintf(text, sizeof text, "%d.%d.%d.%d", bytes[0], bytes[1], bytes[2], bytes[3]);
   return text;
+}
+
+bool SameHardwareAddress(const std::string& a, const std::string& b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return std::tolower(static_cast<unsigned char>(x)) ==
+                  std::tolower(static_cast<unsigned char>(y));
+         });
 }
 
 }  // namespace Hostkit::live

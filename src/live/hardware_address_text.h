@@ -15,6 +15,9 @@ std::string FormatHardwareAddress(const BYTE* bytes, std::size_t count);
 // The bytes of such a text, in either case; false for anything else.
 bool ParseHardwareAddress(const std::string& text, std::vector<BYTE>& bytes);
 
+// Two hardware-address texts name the same address: equal without regard to case.
+bool SameHardwareAddress(const std::string& a, const std::string& b);
+
 // "a.b.c.d" from four bytes in memory order.
 std::string FormatDottedQuad(const BYTE (&bytes)[4]);
 

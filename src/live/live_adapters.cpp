@@ -11,6 +11,7 @@
 #include "hostkit/static_tcpip.h"
 #include "hostkit/strings.h"
 #include "live/dhcp_client.h"
+#include "live/hardware_address_text.h"
 #include "live/ip_helper_binding.h"
 #include "live/live_tcpip_impl.h"
 #include "live/snmp_interface_rows.h"
@@ -20,13 +21,6 @@ namespace Hostkit {
 namespace {
 
 using StoredAdapter = StaticTcpipInfo::AdapterInfo;
-
-bool SameTextNoCase(const std::string& a, const std::string& b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return std::tolower(static_cast<unsigned char>(x)) ==
-                  std::tolower(static_cast<unsigned char>(y));
-         });
-}
 
 // What the running family adds to the rows.
 struct FamilyFacts {
@@ -52,7 +46,7 @@ FamilyFacts ReadFamilyFacts() {
 // The DHCP client's entry for this hardware address on Windows 9x: the last that matches.
 void TakeDhcpEntry(const FamilyFacts& facts, LiveAdapterInfo_impl& record) {
   for (const live::VxdDhcpEntry& entry : facts.dhcpEntries) {
-    if (SameTextNoCase(entry.hardwareAddress, record.hardwareAddress)) {
+    if (live::SameHardwareAddress(entry.hardwareAddress, record.hardwareAddress)) {
       record.dhcp = entry.dhcp;
       record.dhcpServer = entry.dhcpServer;
     }
@@ -114,7 +108,7 @@ void FromSnmp(const std::vector<live::SnmpInterfaceRow>& rows, FamilyFacts& fact
       TakeDhcpEntry(facts, record);
     } else {
       for (size_t i = 0; i < facts.stored.size(); ++i) {
-        if (SameTextNoCase(storedAddresses[i], record.hardwareAddress)) {
+        if (live::SameHardwareAddress(storedAddresses[i], record.hardwareAddress)) {
           record.serviceName = facts.stored[i].ServiceName();
           record.dhcp = facts.stored[i].UsingDhcp();
         }

@@ -11,6 +11,7 @@
 
 #include "hostkit/snmp_query.h"
 #include "hostkit/strings.h"
+#include "live/snmp_values.h"
 
 namespace Hostkit::live {
 
@@ -40,31 +41,15 @@ std::string WithoutLineFeed(std::string text) {
 
 using Entries = std::vector<CSNMPQuery::Entry>;
 
-// The walk's texts by column and index, as CSNMPQuery looks them up in its cache.
+// The walk's text of `column`.`index`; empty when absent.
 std::string Lookup(const Entries& entries, const char* column, const std::string& index) {
-  const std::string name = std::string(column) + "." + index;
-  for (const auto& [oid, value] : entries) {
-    if (oid == name) {
-      return value;
-    }
-  }
-  return {};
-}
-
-// The (index, value) pairs of a column, in walk order.
-Entries Column(const Entries& entries, const std::string& column) {
-  const std::string prefix = column + ".";
-  Entries found;
-  for (const auto& [oid, value] : entries) {
-    if (oid.size() > prefix.size() && oid.compare(0, prefix.size(), prefix) == 0) {
-      found.emplace_back(oid.substr(prefix.size()), value);
-    }
-  }
-  return found;
+  std::string value;
+  FindInCache(entries, column, index, value);
+  return value;
 }
 
 bool HasColumn(const Entries& entries, const std::string& column) {
-  return !Column(entries, column).empty();
+  return !CacheColumn(entries, column).empty();
 }
 
 // The one walk over the three tables. Some agents (Wine's) answer get-next at the end of a
@@ -123,7 +108,7 @@ std::string HardwareAddressText(const std::string& cached) {
 // the last such row in the table wins.
 std::string DefaultGateway(const Entries& entries, const std::string& ifIndex) {
   std::string gateway;
-  for (const auto& [route, destination] : Column(entries, kIpRouteDest)) {
+  for (const auto& [route, destination] : CacheColumn(entries, kIpRouteDest)) {
     if (destination == kAnyAddress && Lookup(entries, kIpRouteMask, route) == kAnyAddress &&
         Lookup(entries, kIpRouteIfIndex, route) == ifIndex) {
       gateway = Lookup(entries, kIpRouteNextHop, route);
@@ -141,8 +126,8 @@ bool ReadSnmpInterfaceRows(std::vector<SnmpInterfaceRow>& rows) {
   if (!agent.IsUsable() || !WalkTables(agent, entries)) {
     return false;
   }
-  const Entries addresses = Column(entries, kIpAdEntIfIndex);
-  for (const auto& [index, ifIndex] : Column(entries, kIfIndex)) {
+  const Entries addresses = CacheColumn(entries, kIpAdEntIfIndex);
+  for (const auto& [index, ifIndex] : CacheColumn(entries, kIfIndex)) {
     SnmpInterfaceRow row;
     row.type =
         static_cast<DWORD>(std::strtoul(Lookup(entries, kIfType, ifIndex).c_str(), nullptr, 10));

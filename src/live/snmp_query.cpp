@@ -213,26 +213,12 @@ bool CSNMPQuery_impl::Walk(const std::string& start, const std::string& end) {
 bool CSNMPQuery_impl::Lookup(const std::string& column, const std::string& index,
                              std::string& value) const {
   Locked hold(lock_);
-  const std::string name = column + "." + index;
-  for (const auto& [oid, text] : cache_) {
-    if (oid == name) {
-      value = text;
-      return true;
-    }
-  }
-  return false;
+  return live::FindInCache(cache_, column, index, value);
 }
 
 std::vector<CSNMPQuery::Entry> CSNMPQuery_impl::Column(const std::string& column) const {
   Locked hold(lock_);
-  const std::string prefix = column + ".";
-  std::vector<CSNMPQuery::Entry> entries;
-  for (const auto& [oid, text] : cache_) {
-    if (oid.size() > prefix.size() && oid.compare(0, prefix.size(), prefix) == 0) {
-      entries.emplace_back(oid.substr(prefix.size()), text);
-    }
-  }
-  return entries;
+  return live::CacheColumn(cache_, column);
 }
 
 CSNMPQuery::CSNMPQuery() = default;

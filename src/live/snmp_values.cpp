@@ -117,4 +117,28 @@ bool ValueText(const snmp::AsnAny& value, std::string& text) {
   }
 }
 
+bool FindInCache(const std::vector<CacheEntry>& cache, const std::string& column,
+                 const std::string& index, std::string& value) {
+  const std::string name = column + "." + index;
+  for (const auto& [oid, text] : cache) {
+    if (oid == name) {
+      value = text;
+      return true;
+    }
+  }
+  return false;
+}
+
+std::vector<CacheEntry> CacheColumn(const std::vector<CacheEntry>& cache,
+                                    const std::string& column) {
+  const std::string prefix = column + ".";
+  std::vector<CacheEntry> entries;
+  for (const auto& [oid, text] : cache) {
+    if (oid.size() > prefix.size() && oid.compare(0, prefix.size(), prefix) == 0) {
+      entries.emplace_back(oid.substr(prefix.size()), text);
+    }
+  }
+  return entries;
+}
+
 }  // namespace Hostkit::live

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/snmp.h"
@@ -30,5 +31,13 @@ bool OidBeyond(const platform::snmp::AsnObjectIdentifier& oid, const std::vector
 // address dotted ("0.0.0.0" when it has no four bytes); integers and counters in decimal. Any
 // other type gives empty text and false.
 bool ValueText(const platform::snmp::AsnAny& value, std::string& text);
+
+// Searches of a walk's (identifier, value) pairs: the value of `column`.`index` (false when
+// absent), and the (index, value) pairs of a column in walk order.
+using CacheEntry = std::pair<std::string, std::string>;
+bool FindInCache(const std::vector<CacheEntry>& cache, const std::string& column,
+                 const std::string& index, std::string& value);
+std::vector<CacheEntry> CacheColumn(const std::vector<CacheEntry>& cache,
+                                    const std::string& column);
 
 }  // namespace Hostkit::live

@@ -63,6 +63,8 @@ struct ShutdownRequest {
 struct NoCaseLess {
   HOSTKIT_API bool operator()(const std::string& a, const std::string& b) const;
 };
+// The same names by that rule.
+HOSTKIT_API bool NoCaseEqual(const std::string& a, const std::string& b);
 
 // The processors of a machine, as GetSystemInfo, the affinity mask and CPUID report them.
 struct ProcessorFacts {

@@ -20,13 +20,6 @@ BOOL Fail(DWORD error) {
   return FALSE;
 }
 
-bool SameText(const std::string& a, const std::string& b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return std::tolower(static_cast<unsigned char>(x)) ==
-                  std::tolower(static_cast<unsigned char>(y));
-         });
-}
-
 BOOL QueryAdapters(LiveNetwork& network, void* out, DWORD outSize, DWORD& returned) {
   const auto count = static_cast<DWORD>(network.interfaces.size());
   if (out == nullptr || outSize < sizeof(DWORD)) {
@@ -95,7 +88,7 @@ BOOL LeaseRequest(LiveNetwork& network, DWORD controlCode, const void* in, DWORD
 }  // namespace
 
 bool IsDhcpVxdName(Machine& machine, const std::string& name) {
-  return machine.isWin9x() && SameText(name, vxd::kDeviceName) &&
+  return machine.isWin9x() && NoCaseEqual(name, vxd::kDeviceName) &&
          machine.modules().count(vxd::kDeviceName) != 0;
 }
 

@@ -6,16 +6,11 @@
 #include <charconv>
 #include <string_view>
 
+#include "hostkit/sim/machine.h"
+
 namespace Hostkit::sim {
 
 namespace {
-
-bool SameText(const std::string& a, const std::string& b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return std::tolower(static_cast<unsigned char>(x)) ==
-                  std::tolower(static_cast<unsigned char>(y));
-         });
-}
 
 void DropDefaultRoutes(LiveNetwork& network, DWORD index) {
   std::erase_if(network.routes, [index](const LiveRoute& route) {
@@ -46,7 +41,7 @@ LiveInterface* LiveNetwork::byIndex(DWORD index) {
 
 LiveInterface* LiveNetwork::byName(const std::string& name) {
   for (LiveInterface& interface : interfaces) {
-    if (SameText(interface.name, name)) {
+    if (NoCaseEqual(interface.name, name)) {
       return &interface;
     }
   }

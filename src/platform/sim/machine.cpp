@@ -58,6 +58,12 @@ bool NoCaseLess::operator()(const std::string& a, const std::string& b) const {
                                       [](char x, char y) { return LowerChar(x) < LowerChar(y); });
 }
 
+bool NoCaseEqual(const std::string& a, const std::string& b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return LowerChar(x) == LowerChar(y);
+         });
+}
+
 namespace {
 
 VersionRecord Win9xRecord(DWORD minor, DWORD build, const char* csd) {

@@ -32,13 +32,6 @@ class DeviceInfoSet : public KernelObject {
   std::vector<std::string> ids;  // instance identifiers, in listing order
 };
 
-bool SameText(const std::string& a, const std::string& b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return std::tolower(static_cast<unsigned char>(x)) ==
-                  std::tolower(static_cast<unsigned char>(y));
-         });
-}
-
 std::string GuidText(const setupapi::ClassGuid& guid) {
   char text[40];
   std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
@@ -110,7 +103,7 @@ std::vector<std::string> DevicesOfClass(const std::string& classGuid) {
     for (const std::string& device : SubKeys(HKEY_LOCAL_MACHINE, enumeratorPath)) {
       const std::string devicePath = SubPath(enumeratorPath, device);
       for (const std::string& instance : SubKeys(HKEY_LOCAL_MACHINE, devicePath)) {
-        if (SameText(ReadText(SubPath(devicePath, instance), "ClassGUID"), classGuid)) {
+        if (NoCaseEqual(ReadText(SubPath(devicePath, instance), "ClassGUID"), classGuid)) {
           ids.push_back(SubPath(SubPath(enumerator, device), instance));
         }
       }
@@ -122,7 +115,7 @@ std::vector<std::string> DevicesOfClass(const std::string& classGuid) {
 bool IsPresent(const Machine& machine, const std::string& id) {
   const auto& present = const_cast<Machine&>(machine).presentDevices();
   return std::any_of(present.begin(), present.end(),
-                     [&id](const std::string& item) { return SameText(item, id); });
+                     [&id](const std::string& item) { return NoCaseEqual(item, id); });
 }
 
 BOOL Fail(LONG error) {
