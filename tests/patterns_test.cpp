@@ -4,13 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <functional>
-#include <future>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
+
+#include "common/host_thread.h"
 
 namespace Hostkit {
 namespace {
@@ -80,14 +79,13 @@ TEST(RegExpMatch, WideTextIsMatchedCodeUnitForCodeUnit) {
   EXPECT_TRUE(RegExpMatch(HK_WIDE("^..$"), emoji));
 }
 
-bool FinishesWithin(std::chrono::seconds limit, std::function<bool()> call, bool& result) {
-  auto task = std::make_shared<std::packaged_task<bool()>>(std::move(call));
-  auto future = task->get_future();
-  std::thread([task] { (*task)(); }).detach();
-  if (future.wait_for(limit) != std::future_status::ready) {
+bool FinishesWithin(unsigned limitMs, std::function<bool()> call, bool& result) {
+  auto answer = std::make_shared<std::atomic<bool>>(false);
+  hostkit_common::HostThread thread([answer, call = std::move(call)] { *answer = call(); });
+  if (!thread.WaitFor(limitMs)) {
     return false;
   }
-  result = future.get();
+  result = *answer;
   return true;
 }
 
@@ -97,7 +95,7 @@ TEST(RegExpMatch, AnInvalidPatternLeavesTheLockFree) {
   // A lock left held would block the next call, from any thread, for ever.
   bool result = false;
   ASSERT_TRUE(FinishesWithin(
-      std::chrono::seconds(10), [] { return RegExpMatch("intel", "intel pro/100"); }, result));
+      10000, [] { return RegExpMatch("intel", "intel pro/100"); }, result));
   EXPECT_TRUE(result);
 }
 
@@ -109,7 +107,7 @@ TEST(RegExpMatch, ConcurrentCallersGetTheSerialAnswers) {
   constexpr int kThreads = 8;
   constexpr int kRounds = 40;
   std::atomic<int> mismatches{0};
-  std::vector<std::thread> threads;
+  std::vector<hostkit_common::HostThread> threads;
   threads.reserve(kThreads);
   for (int t = 0; t < kThreads; ++t) {
     threads.emplace_back([&, t] {
@@ -128,7 +126,7 @@ TEST(RegExpMatch, ConcurrentCallersGetTheSerialAnswers) {
     });
   }
   for (auto& thread : threads) {
-    thread.join();
+    thread.Join();
   }
   EXPECT_EQ(mismatches.load(), 0);
 }

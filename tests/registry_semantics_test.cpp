@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
-#include <thread>
 #include <tuple>
 #include <vector>
 
+#include "common/host_thread.h"
 #include "platform/registry.h"
 #include "support/registry_probe.h"
 #include "support/test_machine.h"
@@ -309,7 +309,7 @@ TEST_P(RegistrySemantics, ClassesRootIsAViewOfLocalMachineClasses) {
 }
 
 TEST_P(RegistrySemantics, ConcurrentWritersDoNotDisturbEachOther) {
-  std::vector<std::thread> threads;
+  std::vector<hostkit_common::HostThread> threads;
   threads.reserve(4);
   for (const std::string thread : {"T0", "T1", "T2", "T3"}) {
     threads.emplace_back([this, thread] {
@@ -322,7 +322,7 @@ TEST_P(RegistrySemantics, ConcurrentWritersDoNotDisturbEachOther) {
     });
   }
   for (auto& thread : threads) {
-    thread.join();
+    thread.Join();
   }
   EXPECT_THAT(Subkeys(scratch_), ElementsAre("T0", "T1", "T2", "T3"));
   HKEY key = Create(scratch_, "T3");

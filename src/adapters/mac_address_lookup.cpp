@@ -13,16 +13,19 @@
 #include "hostkit/strings.h"
 #include "platform/devices.h"
 #include "platform/handles.h"
+#include "platform/ndis.h"
 #include "platform/system_info.h"
 
 namespace Hostkit::adapters {
 
 namespace {
 
-constexpr DWORD kNdisQueryGlobalStats = 0x00170002;
-constexpr DWORD kSupportedList = 0x00010101;
+constexpr DWORD kNdisQueryGlobalStats = platform::ndis::kQueryGlobalStats;
+constexpr DWORD kSupportedList = platform::ndis::kSupportedList;
 // In order of preference: 802.3 current address, WAN current address, WAN permanent address.
-constexpr DWORD kAddressObjects[] = {0x01010102, 0x04010102, 0x04010101};
+constexpr DWORD kAddressObjects[] = {platform::ndis::k8023CurrentAddress,
+                                     platform::ndis::kWanCurrentAddress,
+                                     platform::ndis::kWanPermanentAddress};
 constexpr DWORD kQueryBufferSize = 4096;
 constexpr const char* kNoAddress = "00-00-00-00-00-00";
 

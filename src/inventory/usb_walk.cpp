@@ -1,9 +1,7 @@
 // The walk over the USB host controllers and their hubs through the USB device interface.
 //
-// Requests use the records of that interface (packed, little-endian): a hub's node information
-// holds the hub descriptor, whose port count is byte 6 of the record; a port's connection
-// information starts with the port number and holds "DeviceIsHub" at byte 24 and the connection
-// state at bytes 31 to 34; name records carry the size they need before the UTF-16 name.
+// Requests use the records of that interface as platform/usb_hub.h describes them; name records
+// carry the size they need before the UTF-16 name.
 #include <array>
 #include <cstring>
 #include <string>
@@ -14,27 +12,18 @@
 #include "inventory/usb_impl.h"
 #include "platform/devices.h"
 #include "platform/handles.h"
+#include "platform/usb_hub.h"
 
 namespace Hostkit {
 
 namespace {
 
-constexpr DWORD kGetRootHubName = 0x220408;
-constexpr DWORD kGetNodeInformation = 0x220408;
-constexpr DWORD kGetNodeConnectionInformation = 0x22040C;
-constexpr DWORD kGetNodeConnectionName = 0x220414;
-constexpr DWORD kGetNodeConnectionDriverKeyName = 0x220420;
-constexpr DWORD kGetHcdDriverKeyName = 0x220424;
+using namespace platform::usbhub;
 
 constexpr int kControllers = 10;
-constexpr DWORD kNodeInformationSize = 76;
-constexpr DWORD kConnectionInformationSize = 365;
 constexpr DWORD kControllerNameProbeSize = 6;  // ActualLength and one character
 constexpr DWORD kPortNameProbeSize = 10;       // ConnectionIndex, ActualLength, one character
 constexpr DWORD kMaxNameSize = 0x10000;        // more than any device name; guards the allocation
-constexpr std::size_t kPortCountOffset = 6;
-constexpr std::size_t kIsHubOffset = 24;
-constexpr std::size_t kStatusOffset = 31;
 constexpr DWORD kDeviceConnected = 1;
 // USB allows at most seven tiers of hubs below a host controller; a deeper chain can only come
 // from a driver naming a hub above itself, and is not followed.

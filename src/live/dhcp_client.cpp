@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <mutex>
 #include <utility>
 #include <vector>
 
 #include "hostkit/strings.h"
 #include "live/hardware_address_text.h"
+#include "platform/critical_section.h"
 #include "platform/devices.h"
 #include "platform/dhcp_vxd.h"
 #include "platform/handles.h"
@@ -26,17 +26,21 @@ namespace dhcp = platform::dhcpcsvc;
 namespace vxd = platform::dhcpvxd;
 
 // "dhcpcsvc.dll" and its two entries: loaded on first use and kept for the life of the
-// process. A load that fails is tried again on the next use.
+// process. A load that fails is tried again on the next use. Threads that renew leases at the
+// same time load it once: the first use holds the binding's critical section.
 class DhcpClientBinding {
  public:
   static DhcpClientBinding& Instance() {
     static DhcpClientBinding binding;
     return binding;
   }
+  DhcpClientBinding(const DhcpClientBinding&) = delete;
+  DhcpClientBinding& operator=(const DhcpClientBinding&) = delete;
+  ~DhcpClientBinding() { platform::DeleteCriticalSection(&section_); }
 
   // The entry, loading the module first when that has not been done yet; null when missing.
   FARPROC Entry(bool acquire) {
-    std::lock_guard lock(mutex_);
+    const platform::CriticalSectionLock hold(section_);
     if (module_ == nullptr) {
       module_ = platform::LoadLibraryA(dhcp::kModule);
       if (module_ == nullptr) {
@@ -49,7 +53,9 @@ class DhcpClientBinding {
   }
 
  private:
-  std::mutex mutex_;
+  DhcpClientBinding() { platform::InitializeCriticalSection(&section_); }
+
+  platform::CRITICAL_SECTION section_{};
   HMODULE module_ = nullptr;
   FARPROC acquire_ = nullptr;
   FARPROC release_ = nullptr;

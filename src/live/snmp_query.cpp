@@ -38,25 +38,11 @@ class CSNMPQuery_impl {
   bool Lookup(const std::string& column, const std::string& index, std::string& value) const;
   std::vector<CSNMPQuery::Entry> Column(const std::string& column) const;
   std::vector<CSNMPQuery::Entry> Cache() const {
-    Locked hold(lock_);
+    const platform::CriticalSectionLock hold(lock_);
     return cache_;
   }
 
  private:
-  // Holds the object's lock for a scope, also when an allocation throws inside it.
-  class Locked {
-   public:
-    explicit Locked(platform::CRITICAL_SECTION& lock) : lock_(lock) {
-      platform::EnterCriticalSection(&lock_);
-    }
-    ~Locked() { platform::LeaveCriticalSection(&lock_); }
-    Locked(const Locked&) = delete;
-    Locked& operator=(const Locked&) = delete;
-
-   private:
-    platform::CRITICAL_SECTION& lock_;
-  };
-
   void Initialise();
   bool InitialiseAgent();
   void FreeModules();
@@ -77,7 +63,7 @@ class CSNMPQuery_impl {
 template class Pimpl<CSNMPQuery_impl>;
 
 void CSNMPQuery_impl::Initialise() {
-  Locked hold(lock_);
+  const platform::CriticalSectionLock hold(lock_);
   // NT 4 may run without TCP/IP, and then its agent has nothing to report.
   if (OS().IsWinNT4() && !StaticTcpipInfo().IsTcpipInstalled()) {
     return;
@@ -154,7 +140,7 @@ void CSNMPQuery_impl::FreeValue(snmp::AsnAny& value) const {
 }
 
 bool CSNMPQuery_impl::Walk(const std::string& start, const std::string& end) {
-  Locked hold(lock_);
+  const platform::CriticalSectionLock hold(lock_);
   cache_.clear();
   if (!IsUsable()) {
     return false;
@@ -212,12 +198,12 @@ bool CSNMPQuery_impl::Walk(const std::string& start, const std::string& end) {
 
 bool CSNMPQuery_impl::Lookup(const std::string& column, const std::string& index,
                              std::string& value) const {
-  Locked hold(lock_);
+  const platform::CriticalSectionLock hold(lock_);
   return live::FindInCache(cache_, column, index, value);
 }
 
 std::vector<CSNMPQuery::Entry> CSNMPQuery_impl::Column(const std::string& column) const {
-  Locked hold(lock_);
+  const platform::CriticalSectionLock hold(lock_);
   return live::CacheColumn(cache_, column);
 }
 

@@ -19,4 +19,19 @@ void EnterCriticalSection(CRITICAL_SECTION* section);
 void LeaveCriticalSection(CRITICAL_SECTION* section);
 void DeleteCriticalSection(CRITICAL_SECTION* section);
 
+// Holds a critical section for a scope, also when an allocation throws inside it. (The calls are
+// qualified: on Windows the record is the system's, whose own functions would also be found.)
+class CriticalSectionLock {
+ public:
+  explicit CriticalSectionLock(CRITICAL_SECTION& section) : section_(section) {
+    platform::EnterCriticalSection(&section_);
+  }
+  ~CriticalSectionLock() { platform::LeaveCriticalSection(&section_); }
+  CriticalSectionLock(const CriticalSectionLock&) = delete;
+  CriticalSectionLock& operator=(const CriticalSectionLock&) = delete;
+
+ private:
+  CRITICAL_SECTION& section_;
+};
+
 }  // namespace Hostkit::platform

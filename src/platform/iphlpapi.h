@@ -3,7 +3,8 @@
 // them out (a Windows build checks the layouts against the platform's own declarations).
 #pragma once
 
-#include <ctime>
+#include <cstdint>
+#include <type_traits>
 
 #include "hostkit/win_types.h"
 
@@ -23,6 +24,11 @@ constexpr DWORD kBufferOverflow = 111;      // ERROR_BUFFER_OVERFLOW
 constexpr DWORD kInsufficientBuffer = 122;  // ERROR_INSUFFICIENT_BUFFER
 constexpr DWORD kNoData = 232;              // ERROR_NO_DATA
 constexpr DWORD kInvalidParameter = 87;     // ERROR_INVALID_PARAMETER
+
+// IP Helper's lease times are the time_t the system was built with: 32 bits on 32-bit Windows
+// (every release the library serves), 64 on 64-bit Windows. The compiler's own time_t need not
+// agree (a 32-bit build can choose a 64-bit time_t), so the records name the width themselves.
+using LeaseTime = std::conditional_t<sizeof(void*) == 4, std::int32_t, std::int64_t>;
 
 constexpr unsigned kMaxAdapterName = 256;
 constexpr unsigned kMaxAdapterDescription = 128;
@@ -58,8 +64,8 @@ struct IpAdapterInfo {
   BOOL haveWins;
   IpAddrString primaryWinsServer;
   IpAddrString secondaryWinsServer;
-  std::time_t leaseObtained;
-  std::time_t leaseExpires;
+  LeaseTime leaseObtained;
+  LeaseTime leaseExpires;
 };
 
 // GetNetworkParams; further DNS servers are linked from `dnsServerList` inside the buffer.

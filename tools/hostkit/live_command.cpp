@@ -2,17 +2,16 @@
 // renewed, through the library's LiveTcpipInfo and DhcpReleaseRenew.
 #include <unistd.h>
 
-#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "commands.h"
+#include "common/host_thread.h"
 #include "hostkit/dhcp_release_renew.h"
 #include "hostkit/live_tcpip.h"
 
@@ -96,23 +95,20 @@ bool WithProgress(const std::string& what, double seconds, const std::function<b
   if (isatty(STDOUT_FILENO) == 0) {
     return operation();
   }
-  std::atomic<bool> finished{false};
   bool result = false;
-  std::thread worker([&] {
-    result = operation();
-    finished = true;
-  });
+  hostkit_common::HostThread worker([&] { result = operation(); });
+  if (!worker.Started()) {
+    return operation();
+  }
   const auto start = std::chrono::steady_clock::now();
-  while (!finished) {
+  while (!worker.WaitFor(100)) {
     const double elapsed =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     char line[160];
     std::snprintf(line, sizeof line, "\r%s: about %.1f s left   ", what.c_str(),
                   seconds > elapsed ? seconds - elapsed : 0.0);
     out << line << std::flush;
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
   }
-  worker.join();
   out << "\r" << std::string(what.size() + 24, ' ') << "\r";
   return result;
 }

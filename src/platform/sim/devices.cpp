@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "hostkit/sim/machine.h"
+#include "platform/ndis.h"
 #include "platform/sim/dhcp_vxd_device.h"
 #include "platform/sim/handle_table.h"
 #include "platform/sim/usb_stack.h"
@@ -24,8 +25,8 @@ namespace Hostkit::sim {
 
 namespace {
 
-constexpr DWORD kNdisQueryGlobalStats = 0x00170002;
-constexpr DWORD kNdisSupportedList = 0x00010101;
+constexpr DWORD kNdisQueryGlobalStats = platform::ndis::kQueryGlobalStats;
+constexpr DWORD kNdisSupportedList = platform::ndis::kSupportedList;
 constexpr std::string_view kDevicePrefix = "\\Device\\";
 constexpr std::string_view kLocalDevicePrefix = "\\\\.\\";
 

@@ -1,13 +1,7 @@
 // The USB driver stack of the simulated machine.
 //
-// Records are laid out byte for byte as the Windows USB device interface declares them (packed,
-// little-endian):
-//   name records:              [ULONG ConnectionIndex,] ULONG ActualLength, WCHAR Name[]
-//   node information (76):     ULONG NodeType, hub descriptor (71), BOOLEAN HubIsBusPowered
-//   connection information:    ULONG ConnectionIndex, device descriptor (18), UCHAR
-//                              CurrentConfigurationValue, BOOLEAN LowSpeed, BOOLEAN DeviceIsHub,
-//                              USHORT DeviceAddress, ULONG NumberOfOpenPipes, ULONG
-//                              ConnectionStatus (35 bytes; the simulated devices open no pipes)
+// Records are laid out byte for byte as platform/usb_hub.h describes them; the simulated
+// devices open no pipes, so a connection record is its fixed part alone.
 // A name record answers even when its buffer is too small for the name, as long as the fixed
 // part and one character fit: ActualLength then tells the size needed.
 #include "platform/sim/usb_stack.h"
@@ -17,19 +11,23 @@
 #include <string>
 
 #include "platform/system_info.h"
+#include "platform/usb_hub.h"
 
 namespace Hostkit::sim {
 
 namespace {
 
-constexpr DWORD kRootHubNameOrNodeInformation = 0x220408;
-constexpr DWORD kConnectionInformation = 0x22040C;
-constexpr DWORD kConnectionName = 0x220414;
-constexpr DWORD kConnectionDriverKeyName = 0x220420;
-constexpr DWORD kControllerDriverKeyName = 0x220424;
+namespace usb = platform::usbhub;
 
-constexpr DWORD kNodeInformationSize = 76;
-constexpr DWORD kConnectionInformationSize = 35;
+constexpr DWORD kRootHubNameOrNodeInformation = usb::kGetNodeInformation;
+constexpr DWORD kConnectionInformation = usb::kGetNodeConnectionInformation;
+constexpr DWORD kConnectionName = usb::kGetNodeConnectionName;
+constexpr DWORD kConnectionDriverKeyName = usb::kGetNodeConnectionDriverKeyName;
+constexpr DWORD kControllerDriverKeyName = usb::kGetHcdDriverKeyName;
+static_assert(usb::kGetRootHubName == usb::kGetNodeInformation);
+
+constexpr DWORD kNodeInformationSize = usb::kNodeInformationSize;
+constexpr DWORD kConnectionInformationSize = usb::kConnectionInformationFixedSize;
 constexpr BYTE kHubDescriptorType = 0x29;
 constexpr BYTE kHubClass = 9;
 
@@ -83,7 +81,7 @@ BOOL NodeInformation(const SimUsb& hub, void* out, DWORD outSize, DWORD* returne
   BYTE* descriptor = bytes + 4;  // NodeType 0: a hub
   descriptor[0] = static_cast<BYTE>(7 + 2 * (ports / 8 + 1));
   descriptor[1] = kHubDescriptorType;
-  descriptor[2] = ports;
+  bytes[usb::kPortCountOffset] = ports;
   descriptor[5] = 50;  // power-on to power-good in 2 ms units
   *returned = kNodeInformationSize;
   return TRUE;
@@ -111,7 +109,7 @@ BOOL ConnectionInformation(const SimUsbPort& port, DWORD index, void* out, DWORD
   std::memset(bytes, 0, kConnectionInformationSize);
   PutDword(bytes, index);
   if (port.status != 0) {
-    BYTE* descriptor = bytes + 4;
+    BYTE* descriptor = bytes + usb::kDeviceDescriptorOffset;
     descriptor[0] = 18;  // bLength
     descriptor[1] = 1;   // device descriptor
     PutWord(descriptor + 2, 0x0110);
@@ -124,9 +122,9 @@ BOOL ConnectionInformation(const SimUsbPort& port, DWORD index, void* out, DWORD
   }
   const bool connected = port.status == 1;
   bytes[22] = connected ? 1 : 0;  // configuration in use
-  bytes[24] = port.hub.empty() ? 0 : 1;
+  bytes[usb::kIsHubOffset] = port.hub.empty() ? 0 : 1;
   PutWord(bytes + 25, connected ? index + 1 : 0);  // bus address; 1 is the hub's own
-  PutDword(bytes + 31, port.status);
+  PutDword(bytes + usb::kStatusOffset, port.status);
   *returned = kConnectionInformationSize;
   return TRUE;
 }

@@ -1,5 +1,8 @@
-// Windows forwarded to user32.
+// Windows forwarded to user32. GetWindowTextW is looked up when called: Windows 95 need not
+// export it (the library reads narrow titles there).
 #include "platform/windows.h"
+
+#include "platform/win32/late_binding.h"
 
 namespace Hostkit::platform {
 
@@ -8,7 +11,8 @@ BOOL EnumWindows(WNDENUMPROC callback, LPARAM parameter) {
 }
 HWND GetWindow(HWND window, UINT command) { return ::GetWindow(window, command); }
 int GetWindowTextW(HWND window, WCHAR* text, int maxCount) {
-  return ::GetWindowTextW(window, text, maxCount);
+  return win32::CallEntry<decltype(&::GetWindowTextW)>(win32::kUser32, "GetWindowTextW", 0, window,
+                                                       text, maxCount);
 }
 int GetWindowTextA(HWND window, char* text, int maxCount) {
   return ::GetWindowTextA(window, text, maxCount);

@@ -3,12 +3,10 @@
 // destroyed. The window procedures record the messages of interest; the radio button is
 // subclassed so that its BM_SETCHECK is recorded before the button itself handles it.
 #include <atomic>
-#include <chrono>
-#include <condition_variable>
 #include <cstdio>
-#include <mutex>
-#include <thread>
+#include <optional>
 
+#include "common/host_thread.h"
 #include "support/test_dialog.h"
 
 namespace hostkit_test {
@@ -16,17 +14,64 @@ namespace hostkit_test {
 namespace {
 
 constexpr UINT kSync = WM_APP + 1;  // posted behind the test's messages: all before it are handled
-constexpr auto kPatience = std::chrono::seconds(30);
+constexpr DWORD kPatienceMs = 30000;
 const wchar_t kClassName[] = L"HostkitTestDialog";
 
 bool Recorded(UINT message) {
   return message == WM_COMMAND || message == WM_CLOSE || message == BM_SETCHECK;
 }
 
+// A lock and the condition its holders wait on, Win32's own (the Win32 thread model's runtime
+// has no std::mutex or std::condition_variable).
+class Monitor {
+ public:
+  Monitor() {
+    InitializeCriticalSection(&section_);
+    InitializeConditionVariable(&changed_);
+  }
+  ~Monitor() { DeleteCriticalSection(&section_); }
+  Monitor(const Monitor&) = delete;
+  Monitor& operator=(const Monitor&) = delete;
+
+  class Hold {
+   public:
+    explicit Hold(Monitor& monitor) : section_(monitor.section_) {
+      EnterCriticalSection(&section_);
+    }
+    ~Hold() { LeaveCriticalSection(&section_); }
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+
+   private:
+    CRITICAL_SECTION& section_;
+  };
+
+  void NotifyAll() { WakeAllConditionVariable(&changed_); }
+
+  // Waits up to `milliseconds` for `condition`, checked under the lock; true when it holds.
+  template <class Condition>
+  bool WaitFor(Condition condition, DWORD milliseconds) {
+    const Hold hold(*this);
+    const ULONGLONG deadline = GetTickCount64() + milliseconds;
+    while (!condition()) {
+      const ULONGLONG now = GetTickCount64();
+      if (now >= deadline ||
+          !SleepConditionVariableCS(&changed_, &section_, static_cast<DWORD>(deadline - now))) {
+        return condition();
+      }
+    }
+    return true;
+  }
+
+ private:
+  CRITICAL_SECTION section_;
+  CONDITION_VARIABLE changed_;
+};
+
 class WineDialog : public TestDialog {
  public:
   WineDialog(Hostkit::wstring title, unsigned delayMs) : title_(std::move(title)), delay_(delayMs) {
-    thread_ = std::thread([this] { Run(); });
+    thread_.emplace([this] { Run(); });
   }
 
   ~WineDialog() override {
@@ -34,8 +79,8 @@ class WineDialog : public TestDialog {
     if (window != nullptr && IsWindow(window)) {
       PostMessageW(window, WM_CLOSE, 0, 0);
     }
-    if (thread_.joinable()) {
-      thread_.join();
+    if (thread_) {
+      thread_->Join();
     }
   }
 
@@ -50,7 +95,7 @@ class WineDialog : public TestDialog {
 
   std::vector<ReceivedMessage> Received() override {
     Sync();
-    std::lock_guard lock(mutex_);
+    const Monitor::Hold hold(monitor_);
     return received_;
   }
 
@@ -62,8 +107,7 @@ class WineDialog : public TestDialog {
  private:
   template <class Condition>
   bool WaitFor(Condition condition) {
-    std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, kPatience, condition);
+    return monitor_.WaitFor(condition, kPatienceMs);
   }
 
   // Waits until the dialog has handled every message posted to it so far, or has ended; true
@@ -81,13 +125,13 @@ class WineDialog : public TestDialog {
   }
 
   void Record(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    std::lock_guard lock(mutex_);
+    const Monitor::Hold hold(monitor_);
     if (message == kSync) {
       ++syncsHandled_;
     } else if (Recorded(message)) {
       received_.push_back({window, message, wParam, lParam});
     }
-    changed_.notify_all();
+    monitor_.NotifyAll();
   }
 
   static LRESULT CALLBACK DialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -137,12 +181,12 @@ class WineDialog : public TestDialog {
       radioProc_ = reinterpret_cast<WNDPROC>(
           SetWindowLongPtrW(fast, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&RadioProc)));
       ShowWindow(window, SW_SHOW);
-      std::lock_guard lock(mutex_);
+      const Monitor::Hold hold(monitor_);
       window_ = window;
       next_ = next;
       fast_ = fast;
       created_ = next != nullptr && panel != nullptr && fast != nullptr;
-      changed_.notify_all();
+      monitor_.NotifyAll();
     }
     if (created_) {
       MSG message;
@@ -151,16 +195,14 @@ class WineDialog : public TestDialog {
         DispatchMessageW(&message);
       }
     }
-    std::lock_guard lock(mutex_);
+    const Monitor::Hold hold(monitor_);
     ended_ = true;
-    changed_.notify_all();
+    monitor_.NotifyAll();
   }
 
   Hostkit::wstring title_;
   DWORD delay_;
-  std::thread thread_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
+  Monitor monitor_;
   HWND window_ = nullptr;
   HWND next_ = nullptr;
   HWND fast_ = nullptr;
@@ -170,6 +212,8 @@ class WineDialog : public TestDialog {
   unsigned syncsHandled_ = 0;
   std::atomic<unsigned> syncsPosted_{0};
   std::vector<ReceivedMessage> received_;
+  // Last, so that everything the thread uses exists before it starts.
+  std::optional<hostkit_common::HostThread> thread_;
 };
 
 }  // namespace
