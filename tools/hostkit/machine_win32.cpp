@@ -1,8 +1,8 @@
 // The machine of the Windows build is the one the tool runs on; profiles do not apply.
-#include <filesystem>
 #include <ostream>
 
 #include "commands.h"
+#include "hostkit/strings.h"
 
 namespace hostkit_tool {
 
@@ -20,7 +20,14 @@ namespace hostkit_tool {
 
 bool WriteHostFile(const std::string& hostFile,
                    const std::function<bool(const Hostkit::wstring&)>& write, std::string& error) {
-  if (!write(std::filesystem::path(hostFile).wstring())) {
+  // The arguments of a Windows program are in the ANSI code page. (std::filesystem is not used
+  // for this: it would import file calls Windows 95 lacks.)
+  Hostkit::wstring wide;
+  if (!Hostkit::ConvertANSIToUnicode(hostFile, wide)) {
+    error = "the file name is not text of this computer's code page";
+    return false;
+  }
+  if (!write(wide)) {
     error = "the library could not open the file";
     return false;
   }
