@@ -11,7 +11,7 @@ out="$PWD/build-win/consumer"
 rm -rf "$stage" "$out"
 cmake --install build-win --prefix "$stage" >/dev/null
 mkdir -p "$out"
-x86_64-w64-mingw32-g++-win32 -std=c++20 -Wall -Wextra -Werror -I"$stage/include" \
+x86_64-w64-mingw32-g++-posix -std=c++20 -Wall -Wextra -Werror -I"$stage/include" \
   tests/consumer/consumer.cpp "$stage/lib/libHostkit3.dll.a" \
   -static -static-libgcc -static-libstdc++ -o "$out/consumer.exe"
 cp "$stage/bin/Hostkit3.dll" "$out/"
