@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -124,9 +125,20 @@ class Output {
   std::array<WCHAR, 0x80> asciiUnits_{};
 };
 
-std::string Hex2(unsigned value) {
+// Appends the byte as two lower-case hexadecimal digits.
+void AppendHex2(std::string& text, unsigned value) {
   static const char kDigits[] = "0123456789abcdef";
-  return {kDigits[(value >> 4) & 0xF], kDigits[value & 0xF]};
+  text.push_back(kDigits[(value >> 4) & 0xF]);
+  text.push_back(kDigits[value & 0xF]);
+}
+
+// "dword:" and the four bytes in the order given.
+std::string DwordText(std::initializer_list<BYTE> bytes) {
+  std::string text = "dword:";
+  for (const BYTE byte : bytes) {
+    AppendHex2(text, byte);
+  }
+  return text;
 }
 
 // "hex:", "hex(2):", ..., the type in lower-case hexadecimal for the types without a name.
@@ -295,10 +307,10 @@ class KeyWriter {
         break;
       }
       case REG_DWORD:
-        out_.Text("dword:" + Hex2(data[3]) + Hex2(data[2]) + Hex2(data[1]) + Hex2(data[0]));
+        out_.Text(DwordText({data[3], data[2], data[1], data[0]}));
         break;
       case REG_DWORD_BIG_ENDIAN:
-        out_.Text("dword:" + Hex2(data[0]) + Hex2(data[1]) + Hex2(data[2]) + Hex2(data[3]));
+        out_.Text(DwordText({data[0], data[1], data[2], data[3]}));
         break;
       case REG_LINK:
         break;
@@ -316,6 +328,7 @@ class KeyWriter {
   // backslash) once the line reaches the wrap column.
   void WriteByteList(const std::vector<BYTE>& data, size_t size, size_t column) {
     std::string list;
+    list.reserve(size * 3 + size / 8 * 5);
     for (size_t i = 0; i < size; ++i) {
       if (i > 0) {
         list += ',';
@@ -324,7 +337,7 @@ class KeyWriter {
           column = 3;
         }
       }
-      list += Hex2(data[i]);
+      AppendHex2(list, data[i]);
       column += 3;
     }
     out_.Text(list);
