@@ -77,7 +77,7 @@ class Output {
   void Registry(std::basic_string_view<WCHAR> text) { Units(text); }
 
  private:
-  static constexpr size_t kFlushBytes = 64 * 1024;
+  static constexpr size_t kFlushBytes = size_t{64} * 1024;
 
   static bool IsAscii(char c) { return c > 0 && static_cast<unsigned char>(c) < 0x80; }
 

@@ -29,17 +29,17 @@ namespace {
 // with the character before, so they stay with iconv like the multi-byte ones.
 struct CodePageName {
   UINT codePage;
-  const char* iconvName;
   bool singleByte;
+  const char* iconvName;
 };
 
 constexpr CodePageName kCodePages[] = {
-    {437, "CP437", true},      {850, "CP850", true},   {932, "CP932", false},
-    {936, "CP936", false},     {949, "CP949", false},  {950, "CP950", false},
-    {1250, "CP1250", true},    {1251, "CP1251", true}, {1252, "CP1252", true},
-    {1253, "CP1253", true},    {1254, "CP1254", true}, {1255, "CP1255", false},
-    {1256, "CP1256", true},    {1257, "CP1257", true}, {1258, "CP1258", false},
-    {CP_UTF8, "UTF-8", false},
+    {437, true, "CP437"},      {850, true, "CP850"},   {932, false, "CP932"},
+    {936, false, "CP936"},     {949, false, "CP949"},  {950, false, "CP950"},
+    {1250, true, "CP1250"},    {1251, true, "CP1251"}, {1252, true, "CP1252"},
+    {1253, true, "CP1253"},    {1254, true, "CP1254"}, {1255, false, "CP1255"},
+    {1256, true, "CP1256"},    {1257, true, "CP1257"}, {1258, false, "CP1258"},
+    {CP_UTF8, false, "UTF-8"},
 };
 
 // Byte-exact UTF-16 on the iconv side, whatever the host's byte order.
