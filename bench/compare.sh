@@ -39,12 +39,12 @@ median_best() {
 }
 
 # --- The simulated machine ---------------------------------------------------------------------
-csv="$work/sim.csv"
-build/bench/hostkit_bench --benchmark_repetitions="$rounds" \
-  --benchmark_filter='BM_GetAdapterInfoXp|SaveRegistry/winxp|LoadRegFile' \
-  --benchmark_out="$csv" --benchmark_out_format=csv >/dev/null
-# One column of the repetitions of one benchmark (aggregate rows left out).
+# One column of the repetitions of one benchmark (aggregate rows left out), each benchmark run
+# on its own: the CSV report wants the same counters in every row.
 column_of() {
+  local csv="$work/sim-${1//\//-}.csv"
+  build/bench/hostkit_bench --benchmark_repetitions="$rounds" --benchmark_filter="^$1\$" \
+    --benchmark_out="$csv" --benchmark_out_format=csv >/dev/null
   awk -F, -v name="\"$1\"" -v column="$2" '
     $1 == "name" { for (i = 1; i <= NF; ++i) if ($i == column) c = i; next }
     $1 == name { print $c }' "$csv"
