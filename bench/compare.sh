@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
 # Measures the library against its speed goals and prints one line per goal, the measure beside
 # the goal:
-#   - StaticTcpipInfo::GetAdapterInfo on a simulated XP registry of 20,000 device keys (ms);
-#   - RegistryBackup::SaveRegistry on the simulated machine, XP format (MiB/s);
+#   - StaticTcpipInfo::GetAdapterInfo on a simulated XP registry of 20,000 device keys (ms of
+#     processor time);
+#   - RegistryBackup::SaveRegistry on the simulated machine, XP format (MiB per second of
+#     processor time, as the benchmark library counts bytes);
 #   - loading the benchmarks' registry file into the simulated machine, against "regedit /s" of
 #     the same file under Wine (how many times faster);
 #   - SaveRegistry of the benchmarks' tree (100,000 values) under Wine, against "regedit /E" of
@@ -49,7 +51,8 @@ column_of() {
     $1 == "name" { for (i = 1; i <= NF; ++i) if ($i == column) c = i; next }
     $1 == name { print $c }' "$csv"
 }
-read -r enum_median enum_best < <(column_of BM_GetAdapterInfoXp real_time | median_best)
+# Processor time: on a machine shared with other builds the wall time says more about them.
+read -r enum_median enum_best < <(column_of BM_GetAdapterInfoXp cpu_time | median_best)
 # Bytes per second: the best is the highest rate, the lowest of the negated ones.
 read -r save_median save_best < <(column_of SaveRegistry/winxp bytes_per_second |
   awk '{ print -$1 / 1048576 }' | median_best)
@@ -106,7 +109,7 @@ awk -v em="$enum_median" -v eb="$enum_best" -v sm="$save_median" -v sb="$save_be
   -v lm="$load_median" -v lb="$load_best" -v im="$import_median" -v ib="$import_best" \
   -v wm="$wsave_median" -v wb="$wsave_best" -v rm="$regedit_median" -v rb="$regedit_best" 'BEGIN {
   printf "%-58s %-26s %s\n", "what", "median / best", "goal"
-  printf "%-58s %-26s %s\n", "GetAdapterInfo, simulated XP, 20,000 device keys",
+  printf "%-58s %-26s %s\n", "GetAdapterInfo, simulated XP, 20,000 keys (CPU time)",
     sprintf("%.1f / %.1f ms", em, eb), "at most 50 ms"
   printf "%-58s %-26s %s\n", "SaveRegistry under Wine over regedit /E (process times)",
     sprintf("%.2f / %.2f", wm / rm, wb / rb), "at most 1.0"
