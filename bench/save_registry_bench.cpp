@@ -121,7 +121,7 @@ void BM_LoadRegFile(benchmark::State& state) {
         .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   }
   std::string error;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     state.PauseTiming();
     auto machine = std::make_shared<Hostkit::sim::Machine>(Release::WinXP);
     state.ResumeTiming();
