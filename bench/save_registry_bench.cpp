@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <memory>
 #include <random>
@@ -15,6 +16,7 @@
 #include "foundation/reg_file.h"
 #include "hostkit/registry_backup.h"
 #include "hostkit/sim/machine.h"
+#include "hostkit/sim/profile.h"
 
 namespace {
 
@@ -103,6 +105,36 @@ void SaveRegistry(benchmark::State& state, Release release) {
 // Windows XP writes the UTF-16 5.00 format; Windows 98 the ANSI REGEDIT4 one.
 BENCHMARK_CAPTURE(SaveRegistry, winxp, Release::WinXP)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(SaveRegistry, win98, Release::Win98)->Unit(benchmark::kMillisecond);
+
+// Importing the tree's registry file, as "regedit /s" does, into a new XP machine each time;
+// making the machine is not timed.
+void BM_LoadRegFile(benchmark::State& state) {
+  const TreeMachine& tree = TreeFor(Release::WinXP);
+  if (!tree.error.empty()) {
+    state.SkipWithError(tree.error.c_str());
+    return;
+  }
+  const std::filesystem::path file = tree.driveRoot / "load.reg";
+  {
+    const std::string bytes = hostkit_bench::TreeRegFile({});
+    std::ofstream(file, std::ios::binary)
+        .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  }
+  std::string error;
+  while (state.KeepRunning()) {
+    state.PauseTiming();
+    auto machine = std::make_shared<Hostkit::sim::Machine>(Release::WinXP);
+    state.ResumeTiming();
+    if (!Hostkit::sim::ImportRegFile(*machine, file, error)) {
+      state.SkipWithError(error.c_str());
+      break;
+    }
+    state.PauseTiming();
+    machine.reset();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(BM_LoadRegFile)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

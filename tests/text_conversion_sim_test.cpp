@@ -1,6 +1,7 @@
 // Code-page conversions: round trips through every supported code page, the machine's ANSI and
 // OEM pages, invalid multi-byte input, the size protocol and the default-character report.
 #include <gtest/gtest.h>
+#include <iconv.h>
 
 #include <string>
 
@@ -181,6 +182,109 @@ INSTANTIATE_TEST_SUITE_P(
     [](const testing::TestParamInfo<Sample>& info) {
       return "cp" + std::to_string(info.param.codePage);
     });
+
+// glibc's own conversion of one unit or one byte, iconv reset before each: the reference the
+// simulation's single-byte code pages must follow character for character. Code page 1252's
+// five unassigned bytes stand for the C1 controls of the same value, as on Windows.
+class IconvReference {
+ public:
+  IconvReference(UINT codePage, const char* name)
+      : codePage_(codePage),
+        encoder_(iconv_open(name, "UTF-16LE")),
+        decoder_(iconv_open("UTF-16LE", name)) {}
+  ~IconvReference() {
+    iconv_close(encoder_);
+    iconv_close(decoder_);
+  }
+  IconvReference(const IconvReference&) = delete;
+  IconvReference& operator=(const IconvReference&) = delete;
+
+  // The unit's byte, or '?' when it has none.
+  char Encode(char16_t unit) {
+    char in[2] = {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
+    char out[8];
+    const std::string converted = Convert(encoder_, in, sizeof in, out, sizeof out);
+    if (converted.size() == 1) {
+      return converted[0];
+    }
+    return IsPassThrough(unit) ? static_cast<char>(unit) : '?';
+  }
+
+  // The byte's unit, or U+FFFD when it has none.
+  char16_t Decode(unsigned char byte) {
+    char in = static_cast<char>(byte);
+    char out[8];
+    const std::string converted = Convert(decoder_, &in, 1, out, sizeof out);
+    if (converted.size() == 2) {
+      return static_cast<char16_t>(static_cast<unsigned char>(converted[0]) |
+                                   (static_cast<unsigned char>(converted[1]) << 8));
+    }
+    return IsPassThrough(byte) ? static_cast<char16_t>(byte) : u'\uFFFD';
+  }
+
+ private:
+  static std::string Convert(iconv_t cd, char* in, std::size_t inSize, char* out,
+                             std::size_t outSize) {
+    iconv(cd, nullptr, nullptr, nullptr, nullptr);
+    char* outPtr = out;
+    std::size_t outLeft = outSize;
+    std::size_t inLeft = inSize;
+    if (iconv(cd, &in, &inLeft, &outPtr, &outLeft) == static_cast<std::size_t>(-1)) {
+      return {};
+    }
+    return std::string(out, outPtr);
+  }
+
+  bool IsPassThrough(unsigned value) const {
+    return codePage_ == 1252 &&
+           (value == 0x81 || value == 0x8D || value == 0x8F || value == 0x90 || value == 0x9D);
+  }
+
+  UINT codePage_;
+  iconv_t encoder_;
+  iconv_t decoder_;
+};
+
+class SingleByteCodePage : public TextConversion, public testing::WithParamInterface<UINT> {};
+
+// Every unit in one long text, so that unmappable units come by the thousand (the surrogate
+// halves, met in the middle, form one valid pair): each becomes what it becomes alone. And every
+// byte, once with its replacements and once failing at the first invalid one.
+TEST_P(SingleByteCodePage, EveryUnitAndByteConvertsAsIconvDoesAlone) {
+  const UINT codePage = GetParam();
+  IconvReference reference(codePage, ("CP" + std::to_string(codePage)).c_str());
+  std::u16string everyUnit;
+  std::string expectedBytes;
+  for (unsigned unit = 1; unit <= 0xFFFF; ++unit) {
+    everyUnit.push_back(static_cast<char16_t>(unit));
+    expectedBytes.push_back(reference.Encode(static_cast<char16_t>(unit)));
+  }
+  BOOL usedDefault = FALSE;
+  EXPECT_EQ(ToNarrow(codePage, everyUnit, &usedDefault), expectedBytes);
+  EXPECT_TRUE(usedDefault);
+
+  std::string everyByte;
+  std::u16string expectedText;
+  std::size_t firstInvalid = std::string::npos;
+  for (unsigned byte = 1; byte <= 0xFF; ++byte) {
+    everyByte.push_back(static_cast<char>(byte));
+    expectedText.push_back(reference.Decode(static_cast<unsigned char>(byte)));
+    if (expectedText.back() == u'\uFFFD' && firstInvalid == std::string::npos) {
+      firstInvalid = byte - 1;
+    }
+  }
+  EXPECT_EQ(ToWide(codePage, everyByte).text, expectedText);
+  const int strict = MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, everyByte.data(),
+                                         static_cast<int>(everyByte.size()), nullptr, 0);
+  EXPECT_EQ(strict, firstInvalid == std::string::npos ? static_cast<int>(everyByte.size()) : 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(TableCodePages, SingleByteCodePage,
+                         testing::Values(437U, 850U, 1250U, 1251U, 1252U, 1253U, 1254U, 1256U,
+                                         1257U),
+                         [](const testing::TestParamInfo<UINT>& info) {
+                           return "cp" + std::to_string(info.param);
+                         });
 
 }  // namespace
 }  // namespace Hostkit::platform

@@ -7,9 +7,12 @@
 #include <cstdio>
 #include <cstring>
 #include <cwctype>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "foundation/compiled_pattern.h"
 #include "platform/handles.h"
 #include "platform/sync.h"
 
@@ -167,6 +170,88 @@ bool RegExpMatch(const WCHAR* pattern, const WCHAR* text) {
   }
   try {
     return MatchWholeText(AsWchar(pattern), AsWchar(text));
+  } catch (...) {
+    return false;
+  }
+}
+
+struct CompiledPattern::Expression {
+  std::optional<boost::regex> narrow;
+  std::optional<boost::wregex> wide;
+};
+
+namespace {
+
+// Compiles `pattern` as MatchWholeText does, under the lock, into the member `slot` selects.
+// Null when the lock cannot be held or the engine refuses the pattern.
+template <class Ch, class Slot>
+std::unique_ptr<CompiledPattern::Expression> Compile(const std::basic_string<Ch>& pattern,
+                                                     Slot slot) {
+  try {
+    PatternLockHold hold;
+    if (!hold.held()) {
+      return nullptr;
+    }
+    auto expression = std::make_unique<CompiledPattern::Expression>();
+    (expression.get()->*slot).emplace(AnchoredPattern(pattern), boost::regex::normal);
+    return expression;
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+template <class Ch, class Regex>
+bool MatchCompiled(const std::basic_string<Ch>& text, const Regex& expression) {
+  PatternLockHold hold;
+  return hold.held() && boost::regex_match(text, expression);
+}
+
+}  // namespace
+
+CompiledPattern::CompiledPattern(const char* pattern) {
+  if (pattern == nullptr) {
+    return;
+  }
+  matchesAll_ = *pattern == '\0';
+  if (!matchesAll_) {
+    expression_ = Compile(std::string(pattern), &Expression::narrow);
+  }
+}
+
+CompiledPattern::CompiledPattern(const WCHAR* pattern) {
+  if (pattern == nullptr) {
+    return;
+  }
+  matchesAll_ = *pattern == 0;
+  if (!matchesAll_) {
+    try {
+      expression_ = Compile(AsWchar(pattern), &Expression::wide);
+    } catch (...) {
+      expression_ = nullptr;
+    }
+  }
+}
+
+CompiledPattern::~CompiledPattern() = default;
+
+bool CompiledPattern::Matches(const char* text) const {
+  if (text == nullptr || matchesAll_) {
+    return text != nullptr;
+  }
+  try {
+    return expression_ && expression_->narrow &&
+           MatchCompiled(std::string(text), *expression_->narrow);
+  } catch (...) {
+    return false;
+  }
+}
+
+bool CompiledPattern::Matches(const WCHAR* text) const {
+  if (text == nullptr || matchesAll_) {
+    return text != nullptr;
+  }
+  try {
+    return expression_ && expression_->wide && MatchCompiled(AsWchar(text), *expression_->wide);
   } catch (...) {
     return false;
   }

@@ -3,7 +3,9 @@
 // calls and writes UTF-16 LE, its fixed text (brackets, root names, type prefixes, digits,
 // line ends) converted from the OEM code page piece by piece.
 #include <algorithm>
+#include <array>
 #include <cstdio>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,20 +23,43 @@ namespace {
 // Buffer size, in characters, for value and subkey names and for one converted text piece.
 constexpr DWORD kNameBuffer = 259;
 constexpr int kPieceBuffer = 260;
+// Bytes of value data read together with the value's name; larger values are read again.
+constexpr size_t kValueBuffer = 4096;
 // A byte list continues on a new line once a line has reached this column.
 constexpr int kWrapColumn = 78;
 
+// The file's bytes, gathered and written in large blocks.
 class Output {
  public:
-  Output(std::FILE* file, bool unicode) : file_(file), unicode_(unicode) {}
+  Output(std::FILE* file, bool unicode) : file_(file), unicode_(unicode) {
+    pending_.reserve(kFlushBytes);
+    if (unicode_) {
+      LearnAsciiUnits();
+    }
+  }
+  ~Output() { Flush(); }
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
 
-  void Bytes(const void* data, size_t size) { std::fwrite(data, 1, size, file_); }
+  void Bytes(const void* data, size_t size) {
+    pending_.append(static_cast<const char*>(data), size);
+    FlushWhenFull();
+  }
 
   // Text of the writer itself: as it is in REGEDIT4, converted from the OEM code page in
-  // pieces that fit the conversion buffer in version 5.00.
+  // pieces that fit the conversion buffer in version 5.00. Text of ASCII characters alone is
+  // converted character by character through the table LearnAsciiUnits made, which gives the
+  // same units: no OEM code page joins an ASCII byte with its neighbours.
   void Text(std::string_view text) {
     if (!unicode_) {
       Bytes(text.data(), text.size());
+      return;
+    }
+    if (asciiKnown_ && std::all_of(text.begin(), text.end(), [](char c) { return IsAscii(c); })) {
+      for (const char c : text) {
+        Unit(asciiUnits_[static_cast<unsigned char>(c)]);
+      }
+      FlushWhenFull();
       return;
     }
     while (!text.empty()) {
@@ -52,23 +77,68 @@ class Output {
   void Registry(std::basic_string_view<WCHAR> text) { Units(text); }
 
  private:
-  void Units(std::basic_string_view<WCHAR> text) {
-    std::string bytes;
-    bytes.reserve(text.size() * 2);
-    for (const WCHAR unit : text) {
-      bytes.push_back(static_cast<char>(static_cast<unsigned>(unit) & 0xFF));
-      bytes.push_back(static_cast<char>((static_cast<unsigned>(unit) >> 8) & 0xFF));
+  static constexpr size_t kFlushBytes = size_t{64} * 1024;
+
+  static bool IsAscii(char c) { return c > 0 && static_cast<unsigned char>(c) < 0x80; }
+
+  // The OEM code page's unit for each ASCII character, in one conversion.
+  void LearnAsciiUnits() {
+    char ascii[0x7F];
+    for (int c = 1; c < 0x80; ++c) {
+      ascii[c - 1] = static_cast<char>(c);
     }
-    Bytes(bytes.data(), bytes.size());
+    WCHAR units[kPieceBuffer];
+    asciiKnown_ = platform::MultiByteToWideChar(CP_OEMCP, 0, ascii, static_cast<int>(sizeof ascii),
+                                                units, kPieceBuffer) == 0x7F;
+    if (asciiKnown_) {
+      std::copy(units, units + 0x7F, asciiUnits_.begin() + 1);
+    }
+  }
+
+  void Unit(WCHAR unit) {
+    pending_.push_back(static_cast<char>(static_cast<unsigned>(unit) & 0xFF));
+    pending_.push_back(static_cast<char>((static_cast<unsigned>(unit) >> 8) & 0xFF));
+  }
+
+  void Units(std::basic_string_view<WCHAR> text) {
+    for (const WCHAR unit : text) {
+      Unit(unit);
+    }
+    FlushWhenFull();
+  }
+
+  void FlushWhenFull() {
+    if (pending_.size() >= kFlushBytes) {
+      Flush();
+    }
+  }
+
+  void Flush() {
+    std::fwrite(pending_.data(), 1, pending_.size(), file_);
+    pending_.clear();
   }
 
   std::FILE* file_;
   bool unicode_;
+  std::string pending_;
+  bool asciiKnown_ = false;
+  std::array<WCHAR, 0x80> asciiUnits_{};
 };
 
-std::string Hex2(unsigned value) {
+// Appends the byte as two lower-case hexadecimal digits.
+void AppendHex2(std::string& text, unsigned value) {
   static const char kDigits[] = "0123456789abcdef";
-  return {kDigits[(value >> 4) & 0xF], kDigits[value & 0xF]};
+  text.push_back(kDigits[(value >> 4) & 0xF]);
+  text.push_back(kDigits[value & 0xF]);
+}
+
+// "dword:" and the four bytes in the order given.
+std::string DwordText(std::initializer_list<BYTE> bytes) {
+  std::string text = "dword:";
+  for (const BYTE byte : bytes) {
+    AppendHex2(text, byte);
+  }
+  return text;
 }
 
 // "hex:", "hex(2):", ..., the type in lower-case hexadecimal for the types without a name.
@@ -99,9 +169,11 @@ class KeyWriter {
 
   KeyWriter(Output& out, const FileFormat& format) : out_(out), format_(format) {}
 
-  // The key line, the values, an empty line, then each subkey the same way.
-  void Write(HKEY root, const std::string& rootName, const String& path) {
-    const registry::OpenKey<Ch> key(root, path.c_str(), KEY_READ);
+  // The key line, the values, an empty line, then each subkey the same way. The key is opened
+  // as `name` below `parent`: the collected path below its root, or a subkey's name below its
+  // parent's open key.
+  void Write(HKEY parent, const Ch* name, const std::string& rootName, const String& path) {
+    const registry::OpenKey<Ch> key(parent, name, KEY_READ);
     if (!key.ok()) {
       return;
     }
@@ -117,43 +189,63 @@ class KeyWriter {
     }
     out_.Text("\r\n");
     for (DWORD index = 0;; ++index) {
-      Ch name[kNameBuffer];
+      Ch subkey[kNameBuffer];
       DWORD size = kNameBuffer;
-      if (registry::Calls<Ch>::EnumKey(key.get(), index, name, &size) != ERROR_SUCCESS) {
+      if (registry::Calls<Ch>::EnumKey(key.get(), index, subkey, &size) != ERROR_SUCCESS) {
         break;
       }
       String child = path;
       if (!child.empty()) {
         child.push_back(static_cast<Ch>('\\'));
       }
-      child.append(name, size);
-      Write(root, rootName, child);
+      child.append(subkey, size);
+      Write(key.get(), subkey, rootName, child);
     }
   }
 
  private:
+  // Each value is read with its name in one call into a buffer kept for the key; a value the
+  // buffer cannot hold (or any other failure) is read again the long way, which decides.
   void WriteValues(HKEY key) {
+    std::vector<BYTE> data(kValueBuffer);
     for (DWORD index = 0;; ++index) {
-      Ch nameBuffer[kNameBuffer];
+      Ch name[kNameBuffer];
       DWORD nameSize = kNameBuffer;
-      if (registry::Calls<Ch>::EnumValueName(key, index, nameBuffer, &nameSize) != ERROR_SUCCESS) {
-        return;
-      }
-      const String name(nameBuffer, nameSize);
       DWORD type = REG_NONE;
-      DWORD size = 0;
-      if (registry::Calls<Ch>::Query(key, name.c_str(), &type, nullptr, &size) != ERROR_SUCCESS) {
-        return;
-      }
-      // One spare byte as the registry expects, and never fewer than a DWORD's four.
-      std::vector<BYTE> data(std::max<size_t>(size + size_t{1}, 4), 0);
-      DWORD read = size + 1;
-      if (registry::Calls<Ch>::Query(key, name.c_str(), &type, data.data(), &read) !=
+      auto read = static_cast<DWORD>(data.size());
+      if (registry::Calls<Ch>::EnumValue(key, index, name, &nameSize, &type, data.data(), &read) ==
           ERROR_SUCCESS) {
+        // A buffer of the value's own size would hold zeros after the data.
+        std::fill(data.begin() + std::min<size_t>(read, 4), data.begin() + 4, BYTE{0});
+        WriteValue(String(name, nameSize), type, data, read);
+      } else if (!WriteValueSizedFirst(key, index)) {
         return;
       }
-      WriteValue(name, type, data, std::min<size_t>(read, data.size()));
     }
+  }
+
+  // Reads value `index` by asking its size first, then its type and data into a buffer of that
+  // size plus one byte (never fewer than a DWORD's four), and writes it. False when any step
+  // fails, which ends the key's value list.
+  bool WriteValueSizedFirst(HKEY key, DWORD index) {
+    Ch nameBuffer[kNameBuffer];
+    DWORD nameSize = kNameBuffer;
+    if (registry::Calls<Ch>::EnumValueName(key, index, nameBuffer, &nameSize) != ERROR_SUCCESS) {
+      return false;
+    }
+    const String name(nameBuffer, nameSize);
+    DWORD type = REG_NONE;
+    DWORD size = 0;
+    if (registry::Calls<Ch>::Query(key, name.c_str(), &type, nullptr, &size) != ERROR_SUCCESS) {
+      return false;
+    }
+    std::vector<BYTE> data(std::max<size_t>(size + size_t{1}, 4), 0);
+    DWORD read = size + 1;
+    if (registry::Calls<Ch>::Query(key, name.c_str(), &type, data.data(), &read) != ERROR_SUCCESS) {
+      return false;
+    }
+    WriteValue(name, type, data, std::min<size_t>(read, data.size()));
+    return true;
   }
 
   // `text` with "\" and the double quote escaped, and CR and LF too when `lineBreaks` is set.
@@ -215,10 +307,10 @@ class KeyWriter {
         break;
       }
       case REG_DWORD:
-        out_.Text("dword:" + Hex2(data[3]) + Hex2(data[2]) + Hex2(data[1]) + Hex2(data[0]));
+        out_.Text(DwordText({data[3], data[2], data[1], data[0]}));
         break;
       case REG_DWORD_BIG_ENDIAN:
-        out_.Text("dword:" + Hex2(data[0]) + Hex2(data[1]) + Hex2(data[2]) + Hex2(data[3]));
+        out_.Text(DwordText({data[0], data[1], data[2], data[3]}));
         break;
       case REG_LINK:
         break;
@@ -236,6 +328,7 @@ class KeyWriter {
   // backslash) once the line reaches the wrap column.
   void WriteByteList(const std::vector<BYTE>& data, size_t size, size_t column) {
     std::string list;
+    list.reserve(size * 3 + size / 8 * 5);
     for (size_t i = 0; i < size; ++i) {
       if (i > 0) {
         list += ',';
@@ -244,7 +337,7 @@ class KeyWriter {
           column = 3;
         }
       }
-      list += Hex2(data[i]);
+      AppendHex2(list, data[i]);
       column += 3;
     }
     out_.Text(list);
@@ -272,11 +365,11 @@ void WriteRegistryFile(std::FILE* file, const FileFormat& format,
       continue;
     }
     if (format.unicode) {
-      KeyWriter<WCHAR>(out, format).Write(key.root, rootName, key.path);
+      KeyWriter<WCHAR>(out, format).Write(key.root, key.path.c_str(), rootName, key.path);
     } else {
       std::string path;
       if (ConvertUnicodeToANSI(key.path, path)) {
-        KeyWriter<char>(out, format).Write(key.root, rootName, path);
+        KeyWriter<char>(out, format).Write(key.root, path.c_str(), rootName, path);
       }
     }
   }

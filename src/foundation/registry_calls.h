@@ -37,6 +37,10 @@ struct Calls<char> {
   static LONG EnumValueName(HKEY key, DWORD index, char* name, DWORD* nameSize) {
     return platform::RegEnumValueA(key, index, name, nameSize, nullptr, nullptr, nullptr, nullptr);
   }
+  static LONG EnumValue(HKEY key, DWORD index, char* name, DWORD* nameSize, DWORD* type, BYTE* data,
+                        DWORD* dataSize) {
+    return platform::RegEnumValueA(key, index, name, nameSize, nullptr, type, data, dataSize);
+  }
 };
 
 template <>
@@ -65,6 +69,10 @@ struct Calls<WCHAR> {
   }
   static LONG EnumValueName(HKEY key, DWORD index, WCHAR* name, DWORD* nameSize) {
     return platform::RegEnumValueW(key, index, name, nameSize, nullptr, nullptr, nullptr, nullptr);
+  }
+  static LONG EnumValue(HKEY key, DWORD index, WCHAR* name, DWORD* nameSize, DWORD* type,
+                        BYTE* data, DWORD* dataSize) {
+    return platform::RegEnumValueW(key, index, name, nameSize, nullptr, type, data, dataSize);
   }
 };
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "foundation/compiled_pattern.h"
 #include "foundation/registry_calls.h"
-#include "hostkit/patterns.h"
 
 namespace Hostkit::registry {
 
@@ -86,18 +86,13 @@ Text<Ch> TextUpToZero(const Ch* data, size_t count) {
   return Text<Ch>(data, end);
 }
 
-// Reads any value as text: first into a 260-unit buffer offering 259 bytes, then, when the value
-// is larger, into a buffer of the size the registry reports.
+// Reads any value of the open `key` as text: first into a 260-unit buffer offering 259 bytes,
+// then, when the value is larger, into a buffer of the size the registry reports.
 template <class Ch>
-bool GetKeyVal(HKEY root, const Ch* path, const Ch* name, Text<Ch>& value) {
-  if (!DoesKeyExist(root, path)) {
-    return false;
-  }
-  OpenKey<Ch> key(root, path, KEY_READ);
+bool ReadKeyText(HKEY key, const Ch* name, Text<Ch>& value) {
   std::array<Ch, 260> buffer{};
   DWORD size = 259;
-  LONG result =
-      Calls<Ch>::Query(key.get(), name, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &size);
+  LONG result = Calls<Ch>::Query(key, name, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &size);
   if (result == ERROR_SUCCESS) {
     value = TextUpToZero(buffer.data(), buffer.size());
     return true;
@@ -111,14 +106,23 @@ bool GetKeyVal(HKEY root, const Ch* path, const Ch* name, Text<Ch>& value) {
   const DWORD retryBytes = sizeof(Ch) == 1 ? size + 1 : 2 * size + 2;
   std::vector<Ch> larger((retryBytes + sizeof(Ch) - 1) / sizeof(Ch), Ch{0});
   DWORD largerSize = retryBytes;
-  result = Calls<Ch>::Query(key.get(), name, nullptr, reinterpret_cast<BYTE*>(larger.data()),
-                            &largerSize);
+  result =
+      Calls<Ch>::Query(key, name, nullptr, reinterpret_cast<BYTE*>(larger.data()), &largerSize);
   if (result != ERROR_SUCCESS) {
     value.clear();
     return false;
   }
   value = TextUpToZero(larger.data(), larger.size());
   return true;
+}
+
+template <class Ch>
+bool GetKeyVal(HKEY root, const Ch* path, const Ch* name, Text<Ch>& value) {
+  if (!DoesKeyExist(root, path)) {
+    return false;
+  }
+  const OpenKey<Ch> key(root, path, KEY_READ);
+  return ReadKeyText(key.get(), name, value);
 }
 
 template <class Ch>
@@ -295,43 +299,43 @@ bool CreateKey(HKEY root, const Ch* path) {
   return result == ERROR_SUCCESS;
 }
 
-// Visits `path` and, depth first in registry order, every key below it, collecting those whose
-// value `name` matches `pattern` (or that have the value at all, for an empty pattern).
+// Visits the open `key` at `path` and, depth first in registry order, every key below it,
+// collecting those whose value `name` matches `pattern` (or that have the value at all, for an
+// empty pattern). Each key is opened once, below its parent's open key, and read through it.
 template <class Ch>
-void CollectMatchingKeys(HKEY root, const Text<Ch>& path, const Ch* name, const Ch* pattern,
-                         std::vector<Text<Ch>>& found) {
-  if (DoesValNameExist(root, path.c_str(), name)) {
-    bool qualifies = pattern[0] == Ch{0};
-    if (!qualifies) {
-      Text<Ch> value;
-      GetKeyVal(root, path.c_str(), name, value);
-      qualifies = RegExpMatch(pattern, value.c_str());
-    }
-    if (qualifies) {
+void CollectMatchingKeys(HKEY key, const Text<Ch>& path, const Ch* name,
+                         const CompiledPattern& pattern, std::vector<Text<Ch>>& found) {
+  if (Calls<Ch>::Query(key, name, nullptr, nullptr, nullptr) == ERROR_SUCCESS) {
+    Text<Ch> value;
+    ReadKeyText(key, name, value);
+    if (pattern.Matches(value.c_str())) {
       found.push_back(path);
     }
-  }
-  OpenKey<Ch> key(root, path.c_str(), KEY_READ);
-  if (!key.ok()) {
-    return;
   }
   std::array<Ch, kNameBufferChars + 1> subKey{};
   for (DWORD index = 0;; ++index) {
     DWORD size = kNameBufferChars;
-    if (Calls<Ch>::EnumKey(key.get(), index, subKey.data(), &size) != ERROR_SUCCESS) {
+    if (Calls<Ch>::EnumKey(key, index, subKey.data(), &size) != ERROR_SUCCESS) {
       break;
     }
-    CollectMatchingKeys(root, JoinPath(path, Text<Ch>(subKey.data(), size)), name, pattern, found);
+    const OpenKey<Ch> child(key, subKey.data(), KEY_READ);
+    if (child.ok()) {
+      CollectMatchingKeys(child.get(), JoinPath(path, Text<Ch>(subKey.data(), size)), name, pattern,
+                          found);
+    }
   }
 }
 
 template <class Ch>
 std::vector<Text<Ch>> GetAllSubKeys(HKEY root, const Ch* path, const Ch* name, const Ch* pattern) {
   std::vector<Text<Ch>> found;
-  if (pattern == nullptr || !DoesKeyExist(root, path)) {
+  if (pattern == nullptr) {
     return found;
   }
-  CollectMatchingKeys(root, PathText(path), name, pattern, found);
+  const OpenKey<Ch> key(root, path, KEY_READ);
+  if (key.ok()) {
+    CollectMatchingKeys(key.get(), PathText(path), name, CompiledPattern(pattern), found);
+  }
   return found;
 }
 

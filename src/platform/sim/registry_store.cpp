@@ -101,8 +101,11 @@ auto SubkeyPosition(RegistryNode& node, const std::u16string& folded) {
                              const std::u16string& key) { return child->folded < key; });
 }
 
+// The name is folded into a buffer kept for the thread, so that a lookup allocates nothing.
 std::shared_ptr<RegistryNode> FindChild(RegistryNode& node, std::u16string_view name) {
-  const std::u16string folded = Fold(name);
+  thread_local std::u16string folded;
+  folded.assign(name);
+  std::transform(folded.begin(), folded.end(), folded.begin(), UpperUnit);
   const auto it = SubkeyPosition(node, folded);
   return it != node.subkeys.end() && (*it)->folded == folded ? *it : nullptr;
 }

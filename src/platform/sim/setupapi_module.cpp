@@ -41,12 +41,31 @@ std::string GuidText(const setupapi::ClassGuid& guid) {
   return text;
 }
 
-std::vector<std::string> SubKeys(HKEY root, const std::string& path) {
-  std::vector<std::string> names;
-  HKEY key = nullptr;
-  if (platform::RegOpenKeyExA(root, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
-    return names;
+// A key opened for the length of a scope; null when the open failed.
+class Key {
+ public:
+  Key(HKEY parent, const char* name) {
+    if (platform::RegOpenKeyExA(parent, name, 0, KEY_READ, &key_) != ERROR_SUCCESS) {
+      key_ = nullptr;
+    }
   }
+  ~Key() {
+    if (key_ != nullptr) {
+      platform::RegCloseKey(key_);
+    }
+  }
+  Key(const Key&) = delete;
+  Key& operator=(const Key&) = delete;
+
+  HKEY get() const { return key_; }
+
+ private:
+  HKEY key_ = nullptr;
+};
+
+// Calls `visit(subkey, name)` with every subkey of the open `key` that opens, in registry order.
+template <class Visit>
+void ForEachSubKey(HKEY key, Visit&& visit) {
   char name[256];
   for (DWORD index = 0;; ++index) {
     DWORD size = sizeof name;
@@ -54,19 +73,16 @@ std::vector<std::string> SubKeys(HKEY root, const std::string& path) {
         ERROR_SUCCESS) {
       break;
     }
-    names.emplace_back(name, size);
+    const Key subkey(key, name);
+    if (subkey.get() != nullptr) {
+      visit(subkey.get(), std::string(name, size));
+    }
   }
-  platform::RegCloseKey(key);
-  return names;
 }
 
-// The value's type and data as the narrow calls read it; false when it is missing.
-bool ReadValue(const std::string& path, const char* name, DWORD& type, std::vector<BYTE>& data) {
-  HKEY key = nullptr;
-  if (platform::RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &key) !=
-      ERROR_SUCCESS) {
-    return false;
-  }
+// The value's type and data as the narrow calls read it from the open `key`; false when it is
+// missing.
+bool ReadValue(HKEY key, const char* name, DWORD& type, std::vector<BYTE>& data) {
   DWORD size = 0;
   LONG result = platform::RegQueryValueExA(key, name, nullptr, &type, nullptr, &size);
   if (result == ERROR_SUCCESS) {
@@ -74,41 +90,36 @@ bool ReadValue(const std::string& path, const char* name, DWORD& type, std::vect
     result = platform::RegQueryValueExA(key, name, nullptr, &type, data.data(), &size);
     data.resize(size);
   }
-  platform::RegCloseKey(key);
   return result == ERROR_SUCCESS;
 }
 
-std::string ReadText(const std::string& path, const char* name) {
+std::string ReadText(HKEY key, const char* name) {
   DWORD type = REG_NONE;
   std::vector<BYTE> data;
-  if (!ReadValue(path, name, type, data) || type != REG_SZ) {
+  if (!ReadValue(key, name, type, data) || type != REG_SZ) {
     return {};
   }
   std::string text(data.begin(), data.end());
   return text.substr(0, text.find('\0'));
 }
 
-std::string SubPath(const std::string& parent, const std::string& child) {
-  std::string path = parent;
-  path += '\\';
-  path += child;
-  return path;
-}
-
-// Device instances of a class: every ENUMERATOR\DEVICE\INSTANCE key whose "ClassGUID" names it.
+// Device instances of a class: every ENUMERATOR\DEVICE\INSTANCE key whose "ClassGUID" names it,
+// each key opened once below its parent.
 std::vector<std::string> DevicesOfClass(const std::string& classGuid) {
   std::vector<std::string> ids;
-  for (const std::string& enumerator : SubKeys(HKEY_LOCAL_MACHINE, kEnumKey)) {
-    const std::string enumeratorPath = SubPath(kEnumKey, enumerator);
-    for (const std::string& device : SubKeys(HKEY_LOCAL_MACHINE, enumeratorPath)) {
-      const std::string devicePath = SubPath(enumeratorPath, device);
-      for (const std::string& instance : SubKeys(HKEY_LOCAL_MACHINE, devicePath)) {
-        if (NoCaseEqual(ReadText(SubPath(devicePath, instance), "ClassGUID"), classGuid)) {
-          ids.push_back(SubPath(SubPath(enumerator, device), instance));
-        }
-      }
-    }
+  const Key enumKey(HKEY_LOCAL_MACHINE, kEnumKey);
+  if (enumKey.get() == nullptr) {
+    return ids;
   }
+  ForEachSubKey(enumKey.get(), [&](HKEY enumerator, const std::string& enumeratorName) {
+    ForEachSubKey(enumerator, [&](HKEY device, const std::string& deviceName) {
+      ForEachSubKey(device, [&](HKEY instance, const std::string& instanceName) {
+        if (NoCaseEqual(ReadText(instance, "ClassGUID"), classGuid)) {
+          ids.push_back(enumeratorName + '\\' + deviceName + '\\' + instanceName);
+        }
+      });
+    });
+  });
   return ids;
 }
 
@@ -214,8 +225,9 @@ BOOL WINAPI GetDeviceRegistryPropertyA(HANDLE set, setupapi::DeviceInfoData* dat
                                                                 : nullptr;
     DWORD valueType = REG_NONE;
     std::vector<BYTE> bytes;
-    if (name == nullptr ||
-        !ReadValue(std::string(kEnumKey) + "\\" + *member, name, valueType, bytes)) {
+    const Key device(HKEY_LOCAL_MACHINE, (std::string(kEnumKey) + "\\" + *member).c_str());
+    if (name == nullptr || device.get() == nullptr ||
+        !ReadValue(device.get(), name, valueType, bytes)) {
       return Fail(setupapi::kInvalidData);
     }
     if (type != nullptr) {

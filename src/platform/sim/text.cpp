@@ -8,8 +8,13 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <cstdint>
 #include <cstring>
+#include <map>
+#include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "hostkit/sim/machine.h"
 #include "platform/sim/text_codec.h"
@@ -19,26 +24,32 @@ namespace Hostkit::sim {
 
 namespace {
 
+// `singleByte`: every byte is one character on its own, so the code page converts through a
+// table. Code pages 1255 and 1258 are single-byte too, but iconv composes their combining marks
+// with the character before, so they stay with iconv like the multi-byte ones.
 struct CodePageName {
   UINT codePage;
+  bool singleByte;
   const char* iconvName;
 };
 
 constexpr CodePageName kCodePages[] = {
-    {437, "CP437"},   {850, "CP850"},   {932, "CP932"},   {936, "CP936"},
-    {949, "CP949"},   {950, "CP950"},   {1250, "CP1250"}, {1251, "CP1251"},
-    {1252, "CP1252"}, {1253, "CP1253"}, {1254, "CP1254"}, {1255, "CP1255"},
-    {1256, "CP1256"}, {1257, "CP1257"}, {1258, "CP1258"}, {CP_UTF8, "UTF-8"},
+    {437, true, "CP437"},      {850, true, "CP850"},   {932, false, "CP932"},
+    {936, false, "CP936"},     {949, false, "CP949"},  {950, false, "CP950"},
+    {1250, true, "CP1250"},    {1251, true, "CP1251"}, {1252, true, "CP1252"},
+    {1253, true, "CP1253"},    {1254, true, "CP1254"}, {1255, false, "CP1255"},
+    {1256, true, "CP1256"},    {1257, true, "CP1257"}, {1258, false, "CP1258"},
+    {CP_UTF8, false, "UTF-8"},
 };
 
 // Byte-exact UTF-16 on the iconv side, whatever the host's byte order.
 constexpr const char* kUtf16 = "UTF-16LE";
 constexpr char16_t kReplacement = 0xFFFD;
 
-const char* IconvName(UINT codePage) {
+const CodePageName* FindCodePage(UINT codePage) {
   for (const auto& entry : kCodePages) {
     if (entry.codePage == codePage) {
-      return entry.iconvName;
+      return &entry;
     }
   }
   return nullptr;
@@ -104,35 +115,133 @@ std::u16string UnitsFromLe(const std::string& bytes) {
   return units;
 }
 
+// The iconv descriptor converting `from` to `to` for this thread, opened on first use and kept:
+// a descriptor carries conversion state, so threads do not share one. Null when iconv knows
+// either name not.
+IconvDescriptor* Converter(const char* to, const char* from) {
+  thread_local std::map<std::pair<const char*, const char*>, std::unique_ptr<IconvDescriptor>>
+      converters;
+  auto& converter = converters[{to, from}];
+  if (!converter) {
+    converter = std::make_unique<IconvDescriptor>(to, from);
+  }
+  return converter->valid() ? converter.get() : nullptr;
+}
+
+// A single-byte code page as two tables, both taken from iconv's own decoding of each byte:
+// the character of every byte, and the byte of every character.
+struct ByteTable {
+  static constexpr std::int16_t kNone = -1;
+  std::array<std::int32_t, 256> toUnit{};  // the unit of each byte, or kNone
+  std::vector<std::int16_t> toByte{};      // the byte of each unit, or kNone
+};
+
+// The tables of `page`, or nullopt when iconv does not decode every byte into at most one unit
+// with no two bytes alike: such a code page keeps going through iconv.
+std::optional<ByteTable> MakeByteTable(const CodePageName& page) {
+  IconvDescriptor converter(kUtf16, page.iconvName);
+  if (!converter.valid()) {
+    return std::nullopt;
+  }
+  ByteTable table;
+  table.toByte.assign(0x10000, ByteTable::kNone);
+  for (unsigned value = 0; value < 256; ++value) {
+    const char byte = static_cast<char>(value);
+    std::string utf16;
+    std::int32_t unit = ByteTable::kNone;
+    if (converter.convertUntilError(std::string_view(&byte, 1), utf16) == 1) {
+      if (utf16.size() != 2) {
+        return std::nullopt;
+      }
+      unit = static_cast<unsigned char>(utf16[0]) | (static_cast<unsigned char>(utf16[1]) << 8);
+    } else if (page.codePage == 1252 && IsCp1252PassThrough(value)) {
+      unit = static_cast<std::int32_t>(value);
+    }
+    table.toUnit[value] = unit;
+    if (unit != ByteTable::kNone) {
+      if (table.toByte[static_cast<std::size_t>(unit)] != ByteTable::kNone) {
+        return std::nullopt;
+      }
+      table.toByte[static_cast<std::size_t>(unit)] = static_cast<std::int16_t>(value);
+    }
+  }
+  return table;
+}
+
+// The byte table of `codePage`, or null when it converts through iconv. The tables are made
+// once, all together, the first time any is asked for.
+const ByteTable* ByteTableOf(UINT codePage) {
+  static const auto tables = [] {
+    std::map<UINT, ByteTable> made;
+    for (const auto& page : kCodePages) {
+      if (page.singleByte) {
+        if (auto table = MakeByteTable(page)) {
+          made.emplace(page.codePage, std::move(*table));
+        }
+      }
+    }
+    return made;
+  }();
+  const auto it = tables.find(codePage);
+  return it != tables.end() ? &it->second : nullptr;
+}
+
+DecodeResult DecodeBytes(const ByteTable& table, std::string_view bytes, bool stopAtInvalid) {
+  DecodeResult result;
+  result.text.resize(bytes.size());
+  std::size_t length = 0;
+  for (const char byte : bytes) {
+    const std::int32_t unit = table.toUnit[static_cast<unsigned char>(byte)];
+    if (unit == ByteTable::kNone && stopAtInvalid) {
+      result.invalid = true;
+      break;
+    }
+    result.text[length++] = unit != ByteTable::kNone ? static_cast<char16_t>(unit) : kReplacement;
+  }
+  result.text.resize(length);
+  return result;
+}
+
+EncodeResult EncodeUnits(const ByteTable& table, std::u16string_view text, char defaultChar) {
+  EncodeResult result;
+  result.bytes.resize(text.size());
+  std::size_t length = 0;
+  for (const char16_t unit : text) {
+    const std::int16_t byte = table.toByte[unit];
+    result.usedDefault = result.usedDefault || byte == ByteTable::kNone;
+    result.bytes[length++] = byte != ByteTable::kNone ? static_cast<char>(byte) : defaultChar;
+  }
+  return result;
+}
+
 }  // namespace
 
 std::optional<DecodeResult> DecodeCodePage(UINT codePage, std::string_view bytes,
                                            bool stopAtInvalid) {
-  const char* name = IconvName(codePage);
-  if (name == nullptr) {
+  const CodePageName* page = FindCodePage(codePage);
+  if (page == nullptr) {
     return std::nullopt;
   }
-  IconvDescriptor converter(kUtf16, name);
-  if (!converter.valid()) {
+  if (const ByteTable* table = ByteTableOf(codePage)) {
+    return DecodeBytes(*table, bytes, stopAtInvalid);
+  }
+  IconvDescriptor* converter = Converter(kUtf16, page->iconvName);
+  if (converter == nullptr) {
     return std::nullopt;
   }
   DecodeResult result;
   std::string utf16;
   std::size_t pos = 0;
   while (pos < bytes.size()) {
-    pos += converter.convertUntilError(bytes.substr(pos), utf16);
+    pos += converter->convertUntilError(bytes.substr(pos), utf16);
     if (pos == bytes.size()) {
       break;
     }
-    const auto value = static_cast<unsigned char>(bytes[pos]);
-    if (codePage == 1252 && IsCp1252PassThrough(value)) {
-      AppendUnitLe(utf16, value);
-    } else if (stopAtInvalid) {
+    if (stopAtInvalid) {
       result.invalid = true;
       break;
-    } else {
-      AppendUnitLe(utf16, kReplacement);
     }
+    AppendUnitLe(utf16, kReplacement);
     ++pos;
   }
   result.text = UnitsFromLe(utf16);
@@ -141,12 +250,15 @@ std::optional<DecodeResult> DecodeCodePage(UINT codePage, std::string_view bytes
 
 std::optional<EncodeResult> EncodeCodePage(UINT codePage, std::u16string_view text,
                                            char defaultChar) {
-  const char* name = IconvName(codePage);
-  if (name == nullptr) {
+  const CodePageName* page = FindCodePage(codePage);
+  if (page == nullptr) {
     return std::nullopt;
   }
-  IconvDescriptor converter(name, kUtf16);
-  if (!converter.valid()) {
+  if (const ByteTable* table = ByteTableOf(codePage)) {
+    return EncodeUnits(*table, text, defaultChar);
+  }
+  IconvDescriptor* converter = Converter(page->iconvName, kUtf16);
+  if (converter == nullptr) {
     return std::nullopt;
   }
   std::string utf16;
@@ -157,16 +269,13 @@ std::optional<EncodeResult> EncodeCodePage(UINT codePage, std::u16string_view te
   EncodeResult result;
   std::size_t pos = 0;
   while (pos < utf16.size()) {
-    pos += converter.convertUntilError(std::string_view(utf16).substr(pos), result.bytes);
+    pos += converter->convertUntilError(std::string_view(utf16).substr(pos), result.bytes);
     if (pos >= utf16.size()) {
       break;
     }
     // iconv stops at a unit boundary: the unit there is the one without a mapping.
     const std::size_t index = pos / 2;
-    const char16_t unit = text[index];
-    if (codePage == 1252 && IsCp1252PassThrough(unit)) {
-      result.bytes.push_back(static_cast<char>(unit));
-    } else if (codePage == CP_UTF8) {
+    if (codePage == CP_UTF8) {
       result.bytes += "\xEF\xBF\xBD";
     } else {
       result.bytes.push_back(defaultChar);
