@@ -454,7 +454,7 @@ def main() -> int:
     parser.add_argument("--jobs", type=int, default=1,
                         help="mutants tested at once, each in its own copy of the tree")
     parser.add_argument("--build-jobs", type=int, default=2, help="Ninja jobs per build")
-    parser.add_argument("--timeout", type=float, default=240,
+    parser.add_argument("--timeout", type=float, default=120,
                         help="seconds the tests of one mutant may take")
     parser.add_argument("--work", default=str(ROOT / "build-mut"),
                         help="folder of the copies and their builds (default build-mut/)")
@@ -482,7 +482,7 @@ def main() -> int:
         return 0
     print(f"{len(mutants)} mutants ({skipped} equivalents skipped)", flush=True)
 
-    work = Path(args.work)
+    work = Path(args.work).resolve()
     workers = [Worker(work, i, args.build_jobs) for i in range(max(1, args.jobs))]
     for worker in workers:
         worker.sync()

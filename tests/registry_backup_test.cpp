@@ -102,6 +102,17 @@ class RegistryBackupTest : public PerRelease {
   std::optional<hostkit_test::ScratchFolder> files_;
 };
 
+// Names are read into a buffer of 259 characters: a value whose name needs more ends the list.
+TEST_P(RegistryBackupTest, AValueNameLongerThan258CharactersEndsTheList) {
+  if (isWin9x()) {
+    GTEST_SKIP() << "Windows 9x keeps value names of at most 255 characters";
+  }
+  const std::string fits(258, 'y');
+  Set(kKey, fits.c_str(), REG_SZ, std::string("a\0", 2));
+  Set(kKey, std::string(259, 'z').c_str(), REG_SZ, std::string("b\0", 2));
+  EXPECT_EQ(SaveTestKey(), Header() + Encoded(kKeyLine + "]\r\n\"" + fits + "\"=\"a\"\r\n\r\n"));
+}
+
 TEST_P(RegistryBackupTest, EveryValueTypeIsWrittenInItsForm) {
   FillTestKey();
   const bool wide = unicode();
