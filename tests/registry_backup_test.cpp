@@ -113,6 +113,20 @@ TEST_P(RegistryBackupTest, AValueNameLongerThan258CharactersEndsTheList) {
   EXPECT_EQ(SaveTestKey(), Header() + Encoded(kKeyLine + "]\r\n\"" + fits + "\"=\"a\"\r\n\r\n"));
 }
 
+// The version 5.00 format writes wide text as it is stored, both bytes of each unit.
+TEST_P(RegistryBackupTest, WideTextKeepsUnitsBeyondLatin1) {
+  if (!unicode()) {
+    GTEST_SKIP() << "the REGEDIT4 format holds ANSI text";
+  }
+  const WCHAR greek[] = {0x394, 0x3A9, 0};  // capital delta and omega
+  Hostkit::platform::RegCloseKey(
+      hostkit_test::registry_probe::Create(HKEY_CURRENT_USER, std::string(kKey).c_str()));
+  ASSERT_TRUE(Hostkit::RegWiz().SetKeyVal(
+      HKEY_CURRENT_USER, HK_WIDE("Software\\HostkitTest\\Backup"), HK_WIDE("Greek"), greek));
+  EXPECT_EQ(SaveTestKey(), Header() + Encoded(kKeyLine + "]\r\n\"Greek\"=\"") +
+                               std::string("\x94\x03\xA9\x03", 4) + Encoded("\"\r\n\r\n"));
+}
+
 TEST_P(RegistryBackupTest, EveryValueTypeIsWrittenInItsForm) {
   FillTestKey();
   const bool wide = unicode();
