@@ -471,11 +471,13 @@ def main() -> int:
     equivalents = read_equivalents()
     everything = [m for f in library_files(args.files)
                   for m in mutants_of(f, (ROOT / f).read_text())]
+    # The sample is drawn before the equivalents leave it, so that recording one keeps the
+    # rest of a seed's sample as it was.
+    if args.sample is not None and args.sample < len(everything):
+        everything = sorted(random.Random(args.seed).sample(everything, args.sample),
+                            key=lambda m: (m.path, m.start))
     mutants = [m for m in everything if m.key() not in equivalents]
     skipped = len(everything) - len(mutants)
-    if args.sample is not None and args.sample < len(mutants):
-        mutants = sorted(random.Random(args.seed).sample(mutants, args.sample),
-                         key=lambda m: (m.path, m.start))
     if args.list:
         for mutant in mutants:
             print(mutant.describe())
