@@ -86,7 +86,6 @@ class RegistryBackupTest : public PerRelease {
     Set(kKey, "Empty", REG_SZ, std::string("\0", 1));
     Set(kKey, "EmptyBin", REG_BINARY, "");
     Set(kKey, "Expand", REG_EXPAND_SZ, std::string("%A%\0", 4));
-    Set(kKey, "Link", REG_LINK, "\x01\x02");
     Set(kKey, "Multi", REG_MULTI_SZ, std::string("a\0b\0\0", 5));
     Set(kKey, "None", REG_NONE, "\xff");
     Set(kKey, "Number", REG_DWORD, std::string("\x00\x04\x00\x00", 4));
@@ -127,6 +126,12 @@ TEST_P(RegistryBackupTest, WideTextKeepsUnitsBeyondLatin1) {
                                std::string("\x94\x03\xA9\x03", 4) + Encoded("\"\r\n\r\n"));
 }
 
+// A link value is written with nothing after the "=".
+TEST_P(RegistryBackupTest, ALinkValueIsWrittenWithoutData) {
+  Set(kKey, "Link", REG_LINK, "\x01\x02");
+  EXPECT_EQ(SaveTestKey(), Header() + Encoded(kKeyLine + "]\r\n\"Link\"=\r\n\r\n"));
+}
+
 TEST_P(RegistryBackupTest, EveryValueTypeIsWrittenInItsForm) {
   FillTestKey();
   const bool wide = unicode();
@@ -138,10 +143,8 @@ TEST_P(RegistryBackupTest, EveryValueTypeIsWrittenInItsForm) {
                          "\"Empty\"=\"\"\r\n"
                          "\"EmptyBin\"=hex:\r\n" +
                          (wide ? "\"Expand\"=hex(2):25,00,41,00,25,00,00,00\r\n"
-                                 "\"Link\"=\r\n"
                                  "\"Multi\"=hex(7):61,00,00,00,62,00,00,00,00,00\r\n"
                                : "\"Expand\"=hex(2):25,41,25,00\r\n"
-                                 "\"Link\"=\r\n"
                                  "\"Multi\"=hex(7):61,00,62,00,00\r\n") +
                          "\"None\"=hex(0):ff\r\n"
                          "\"Number\"=dword:00000400\r\n"
