@@ -6,12 +6,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "hostkit/regwiz.h"
 #include "hostkit/strings.h"
+#include "inetclients/configure_ie_impl.h"
 #include "support/saved_key.h"
 #include "support/test_machine.h"
 
@@ -32,6 +35,19 @@ wstring W(const std::string& ascii) {
   wstring wide;
   Hostkit::ConvertASCIIToUnicode(ascii, wide);
   return wide;
+}
+
+// Text to number as the C runtime reads it: leading white space (space, tab to carriage return),
+// a sign, the digits up to the first other character, saturating at the int range.
+TEST(IEText, LeadingDecimalReadsAsTheCRuntimeDoes) {
+  // clang-format off
+  const std::pair<const char*, int> cases[] = {
+      {"42", 42}, {" \t\n\v\f\r7x", 7}, {"-12.5", -12}, {"+5", 5}, {"\0373", 0},
+      {"00000010", 10}, {"- 4", 0}, {"99999999999", INT_MAX}, {"-99999999999", INT_MIN}, {"", 0}};
+  // clang-format on
+  for (const auto& [text, value] : cases) {
+    EXPECT_EQ(Hostkit::ie_text::LeadingDecimal(W(text)), value) << text;
+  }
 }
 
 std::string A(const wstring& wide) {

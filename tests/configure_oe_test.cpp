@@ -310,6 +310,28 @@ TEST_P(OutlookExpress, SharedAccountMovesIntoIdentity) {
   EXPECT_EQ(Read(kIdentities, "Last Username"), "Cy");
 }
 
+// An account without a user name goes to the default identity's list when it asks to, else to
+// the shared list; either way one above the greatest account number already there.
+TEST_P(OutlookExpress, UnnamedAccountGoesWhereUseIdentitySays) {
+  SavedTrees saved;
+  hostkit_test::registry_probe::DeleteTree(HKEY_CURRENT_USER, kShared);
+  hostkit_test::registry_probe::DeleteTree(HKEY_CURRENT_USER, kIdentities);
+  ConfigureOE oe;
+  ASSERT_TRUE(oe.SetAccount(Account("Bob", "Work")));  // Bob becomes the default identity
+  const std::string shared = std::string(kShared) + "\\Accounts";
+  const std::string bob = "Identities\\" + Read(kIdentities, "Default User ID") + "\\" + shared;
+  Hostkit::RegWiz reg;
+  ASSERT_TRUE(reg.CreateKey(HKEY_CURRENT_USER, (bob + "\\00000007").c_str()));
+  ASSERT_TRUE(reg.CreateKey(HKEY_CURRENT_USER, (shared + "\\00000003").c_str()));
+  for (const bool useIdentity : {true, false}) {
+    ConfigureOE::AccountInfo info = Account("", useIdentity ? "Mine" : "Ours");
+    info.useIdentity = useIdentity;
+    ASSERT_TRUE(oe.SetAccount(info));
+  }
+  EXPECT_EQ(Read(bob + "\\00000008", "Account Name"), "Mine");
+  EXPECT_EQ(Read(shared + "\\00000004", "Account Name"), "Ours");
+}
+
 INSTANTIATE_TEST_SUITE_P(AllReleases, OutlookExpress,
                          testing::ValuesIn(hostkit_test::AllReleases()),
                          hostkit_test::ReleaseParamName);

@@ -2,9 +2,12 @@
 // startup programs, the administrator test, restart and shutdown.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
-#include <set>
+#include <map>
+#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "hostkit/os.h"
@@ -179,23 +182,54 @@ TEST_F(OSTest, LanguageNamesSpotChecks) {
   EXPECT_FALSE(OS().SystemDefaultLanguage(id, name));
 }
 
-TEST_F(OSTest, LanguageTableCovers143IdentifiersWith137Names) {
+// Every identifier of the table, and no other, yields its name; rows sharing a name list both
+// identifiers as "id/id".
+TEST_F(OSTest, LanguageTableWholeAndNothingElse) {
+  const std::string table =
+      "1078 af, 1052 sq, 1025 ar_SA, 2049 ar_IQ, 3073 ar_EG, 4097 ar_LY, 5121 ar_DZ, 6145 ar_MA, "
+      "7169 ar_TN, 8193 ar_OM, 9217 ar_YE, 10241 ar_SY, 11265 ar_JO, 12289 ar_LB, 13313 ar_KW, "
+      "14337 ar_AE, 15361 ar_BH, 16385 ar_QA, 1068/2092 az, 1067 hy, 1101 as, 1069 eu, 1059 be, "
+      "1093 bn, 1026 bg, 1109 my, 1027 ca, 1028 zh_TW, 2052 zh, 3076 zh_HK, 4100 zh_SG, 5124 "
+      "zh_MO, "
+      "1050 hr, 1029 cs, 1030 da, 1043 nl_NL, 2067 nl_BE, 1033 en_US, 2057 en_GB, 3081 en_AU, 4105 "
+      "en_CA, 5129 en_NZ, 6153 en_IE, 7177 en_ZA, 8201 en_JM, 9225 en, 10249 en_BZ, 11273 en_TT, "
+      "12297 en_ZW, 13321 en_PH, 1061 et, 1080 fo, 1065 fa, 1035 fi, 1036 fr_FR, 2060 fr_BE, 3084 "
+      "fr_CA, 4108 fr_CH, 5132 fr_LU, 6156 fr_MC, 1079 ka, 1031 de_DE, 2055 de_CH, 3079 de_AT, "
+      "4103 "
+      "de_LU, 5127 de_LI, 1032 el, 1095 gu, 1037 he, 1081 hi, 1038 hu, 1039 is, 1057 id, 1040 "
+      "it_IT, 2064 it_CH, 1041 ja, 1099 kn, 2144 ks_IN, 1087 kk, 1042/2066 ko, 1062 lv_LV, "
+      "1063/2087 lt_LT, 1071 mk_MK, 1086 ms_MY, 2110 ms_BN, 1100 ml, 1102 mr, 2145 ne_IN, "
+      "1044/2068 "
+      "no, 1096 or, 1045 pl, 1046 pt_BR, 2070 pt_PT, 1094 pa, 1048 ro, 1049 ru, 1103 sa, 3098 sr, "
+      "2074 sr, 1113 sd, 1051 sk, 1060 sl, 1034 es_ES, 2058 es_MX, 3082 es, 4106 es_GT, 5130 "
+      "es_CR, "
+      "6154 es_PA, 7178 es_DO, 8202 es_VE, 9226 es_CO, 10250 es_PE, 11274 es_AR, 12298 es_EC, "
+      "13322 "
+      "es_CL, 14346 es_UY, 15370 es_PY, 16394 es_BO, 17418 es_SV, 18442 es_HN, 19466 es_NI, 20490 "
+      "es_PR, 1089 sw_KE, 1053 sv_SE, 2077 sv_FI, 1097 ta, 1092 tt, 1098 te, 1054 th, 1055 tr, "
+      "1058 "
+      "uk, 1056 ur_PK, 2080 ur_IN, 1091/2115 uz, 1066 vi, 1112 mni, 1072 bnt, 1111 kok ";
+  std::map<unsigned int, std::string> expected;
+  std::istringstream rows(table);
+  for (std::string ids, name; rows >> ids >> name;) {
+    if (name.back() == ',') {
+      name.pop_back();
+    }
+    std::istringstream each(ids);
+    for (std::string id; std::getline(each, id, '/');) {
+      expected[static_cast<unsigned int>(std::stoul(id))] = name;
+    }
+  }
+  ASSERT_EQ(expected.size(), 143u);
   auto machine = UseFreshMachine(Release::WinXP);
-  int identifiers = 0;
-  std::set<std::string> names;
   for (unsigned int candidate = 1; candidate <= 0xFFFF; ++candidate) {
     machine->facts().language = static_cast<LANGID>(candidate);
     unsigned int id = 0;
     char name[16] = {};
     ASSERT_TRUE(OS().SystemDefaultLanguage(id, name));
-    if (name[0] != '\0') {
-      ++identifiers;
-      names.insert(name);
-      EXPECT_LT(std::string(name).size(), 6u) << candidate;
-    }
+    const auto found = expected.find(candidate);
+    ASSERT_EQ(name, found == expected.end() ? "" : found->second) << candidate;
   }
-  EXPECT_EQ(identifiers, 143);
-  EXPECT_EQ(names.size(), 137u);
 }
 
 // Startup programs live as values of HKLM\...\Run.
@@ -246,14 +280,23 @@ TEST_F(Startup, AddPicksAFreeNameAndRecognisesItsOwnEntry) {
   EXPECT_EQ(Names(), (std::vector<std::string>{"other"}));
 }
 
-TEST_F(Startup, NumberedNamesSkipThoseTaken) {
-  Use(Release::Win2000);
-  drives_->AddFile("c/Tools/agent.v2.exe");
-  for (const char* taken : {"agent.v2", "agent.v2(1)", "agent.v2(2)"}) {
-    ASSERT_TRUE(registry_.SetKeyVal(HKEY_LOCAL_MACHINE, kRun, taken, "C:\\elsewhere.exe"));
+// The base name and the numbers 1 to `taken` are in use by other programs: the first free number
+// is written, and at most 100 are tried, the last one overwritten when all are taken.
+TEST_F(Startup, NumberedNamesSkipThoseTakenUpToAHundred) {
+  const char* path = "C:/Tools/agent.v2.exe";
+  for (const auto& [taken, written] : {std::pair<int, const char*>{2, "agent.v2(3)"},
+                                       {99, "agent.v2(100)"},
+                                       {100, "agent.v2(100)"}}) {
+    Use(Release::Win2000);
+    drives_->AddFile("c/Tools/agent.v2.exe");
+    for (int n = 0; n <= taken; ++n) {
+      const std::string name = n == 0 ? "agent.v2" : "agent.v2(" + std::to_string(n) + ")";
+      ASSERT_TRUE(registry_.SetKeyVal(HKEY_LOCAL_MACHINE, kRun, name.c_str(), "C:\\elsewhere.exe"));
+    }
+    ASSERT_TRUE(OS().AddProgramToStartup(path));
+    EXPECT_EQ(Value(written), path) << taken;
+    EXPECT_EQ(Names().size(), static_cast<size_t>(std::min(taken + 2, 101))) << taken;
   }
-  ASSERT_TRUE(OS().AddProgramToStartup("C:/Tools/agent.v2.exe"));
-  EXPECT_EQ(Value("agent.v2(3)"), "C:/Tools/agent.v2.exe");
 }
 
 TEST_F(Startup, AMissingFileWritesNothing) {

@@ -101,6 +101,37 @@ class RegistryBackupTest : public PerRelease {
   std::optional<hostkit_test::ScratchFolder> files_;
 };
 
+// Names are read into a buffer of 259 characters: a value whose name needs more ends the list.
+TEST_P(RegistryBackupTest, AValueNameLongerThan258CharactersEndsTheList) {
+  if (isWin9x()) {
+    GTEST_SKIP() << "Windows 9x keeps value names of at most 255 characters";
+  }
+  const std::string fits(258, 'y');
+  Set(kKey, fits.c_str(), REG_SZ, std::string("a\0", 2));
+  Set(kKey, std::string(259, 'z').c_str(), REG_SZ, std::string("b\0", 2));
+  EXPECT_EQ(SaveTestKey(), Header() + Encoded(kKeyLine + "]\r\n\"" + fits + "\"=\"a\"\r\n\r\n"));
+}
+
+// The version 5.00 format writes wide text as it is stored, both bytes of each unit.
+TEST_P(RegistryBackupTest, WideTextKeepsUnitsBeyondLatin1) {
+  if (!unicode()) {
+    GTEST_SKIP() << "the REGEDIT4 format holds ANSI text";
+  }
+  const WCHAR greek[] = {0x394, 0x3A9, 0};  // capital delta and omega
+  Hostkit::platform::RegCloseKey(
+      hostkit_test::registry_probe::Create(HKEY_CURRENT_USER, std::string(kKey).c_str()));
+  ASSERT_TRUE(Hostkit::RegWiz().SetKeyVal(
+      HKEY_CURRENT_USER, HK_WIDE("Software\\HostkitTest\\Backup"), HK_WIDE("Greek"), greek));
+  EXPECT_EQ(SaveTestKey(), Header() + Encoded(kKeyLine + "]\r\n\"Greek\"=\"") +
+                               std::string("\x94\x03\xA9\x03", 4) + Encoded("\"\r\n\r\n"));
+}
+
+// A link value is written with nothing after the "=".
+TEST_P(RegistryBackupTest, ALinkValueIsWrittenWithoutData) {
+  Set(kKey, "Link", REG_LINK, "\x01\x02");
+  EXPECT_EQ(SaveTestKey(), Header() + Encoded(kKeyLine + "]\r\n\"Link\"=\r\n\r\n"));
+}
+
 TEST_P(RegistryBackupTest, EveryValueTypeIsWrittenInItsForm) {
   FillTestKey();
   const bool wide = unicode();

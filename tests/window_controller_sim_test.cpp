@@ -93,20 +93,25 @@ TEST(WindowControllerSim, HiddenWindowsCountAsAbsentOnlyWhenExcluded) {
   EXPECT_FALSE(controller.WaitOnWindow(kSetup, kNone));
 }
 
-// A window that goes and comes back within one check interval has not gone.
+// A window that goes and comes back within one check interval (50 ms unless set) has not gone.
 TEST(WindowControllerSim, DisappearanceIsConfirmedForOneCheckInterval) {
   struct Case {
+    int intervalMs;
     std::uint64_t returnsMs;
     std::uint64_t goneByMs;  // the wait ends at or after this...
     std::uint64_t endsBeforeMs;
   };
-  for (const Case& c : {Case{1020, 4000, 4100}, Case{1200, 1000, 1100}}) {
-    SCOPED_TRACE(c.returnsMs);
+  for (const Case& c :
+       {Case{50, 1020, 4000, 4100}, Case{50, 1200, 1000, 1100}, Case{300, 1200, 4000, 4700}}) {
+    SCOPED_TRACE(testing::Message() << c.intervalMs << " " << c.returnsMs);
     auto machine = UseFreshMachine(Release::WinXP);
     AddSetup(*machine, 0, 1000);
     AddSetup(*machine, c.returnsMs, 4000);
     WindowController controller;
     controller.SetTimeout(10);
+    if (c.intervalMs != 50) {
+      controller.SetCheckInterval(c.intervalMs);
+    }
     EXPECT_TRUE(controller.WaitOnWindow(kSetup, kNone));
     EXPECT_GE(NowMs(*machine), c.goneByMs);
     EXPECT_LT(NowMs(*machine), c.endsBeforeMs);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdio>
 #include <map>
 #include <string>
 #include <utility>
@@ -61,6 +62,34 @@ class WatchedKey {
     return changes;
   }
 
+  // The same changes as a registry file states them, with the whole key path: a "[key]" line
+  // per changed key (in name order), then its values in REGEDIT4 syntax ("name"="text",
+  // "name"=dword:0000000a, "name"=hex(7):..), a removed value as "name"=-.
+  std::string RegDiff() const {
+    Values now;
+    Read(now);
+    std::map<std::string, std::map<std::string, std::string>> keys;
+    for (const auto& [where, value] : now) {
+      const auto found = start_.find(where);
+      if (found == start_.end() || found->second != value) {
+        keys[where.first][where.second] = RegData(value);
+      }
+    }
+    for (const auto& [where, value] : start_) {
+      if (now.count(where) == 0) {
+        keys[where.first][where.second] = "-";
+      }
+    }
+    std::string text;
+    for (const auto& [sub, values] : keys) {
+      text += "[" + RootName() + "\\" + (sub.empty() ? path_ : Below(path_, sub)) + "]\n";
+      for (const auto& [name, data] : values) {
+        text += (name.empty() ? "@" : Quoted(name)) + "=" + data + "\n";
+      }
+    }
+    return text;
+  }
+
  private:
   using Value = std::pair<DWORD, std::string>;                          // type and bytes
   using Values = std::map<std::pair<std::string, std::string>, Value>;  // (subkey, name)
@@ -79,6 +108,48 @@ class WatchedKey {
       return "\"" + data + "\"";
     }
     return "type " + std::to_string(value.first) + ", " + std::to_string(data.size()) + " bytes";
+  }
+
+  static std::string Quoted(const std::string& text) {
+    std::string quoted = "\"";
+    for (const char c : text) {
+      if (c == '\\' || c == '"') {
+        quoted += '\\';
+      }
+      quoted += c;
+    }
+    return quoted + "\"";
+  }
+
+  static std::string RegData(const Value& value) {
+    std::string data = value.second;
+    if (value.first == REG_SZ) {
+      if (!data.empty() && data.back() == '\0') {
+        data.pop_back();
+      }
+      return Quoted(data);
+    }
+    char text[16];
+    if (value.first == REG_DWORD && data.size() == 4) {
+      DWORD number = 0;
+      std::copy(data.begin(), data.end(), reinterpret_cast<char*>(&number));
+      std::snprintf(text, sizeof text, "dword:%08lx", static_cast<unsigned long>(number));
+      return text;
+    }
+    std::string hex =
+        value.first == REG_BINARY ? "hex:" : "hex(" + std::to_string(value.first) + "):";
+    for (size_t i = 0; i < data.size(); ++i) {
+      std::snprintf(text, sizeof text, i == 0 ? "%02x" : ",%02x",
+                    static_cast<unsigned>(static_cast<unsigned char>(data[i])));
+      hex += text;
+    }
+    return hex;
+  }
+
+  std::string RootName() const {
+    return root_ == HKEY_LOCAL_MACHINE  ? "HKEY_LOCAL_MACHINE"
+           : root_ == HKEY_CURRENT_USER ? "HKEY_CURRENT_USER"
+                                        : "HKEY_USERS";
   }
 
   static std::string Below(std::string path, const std::string& name) {
