@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <ostream>
 
+#include "command_line.h"
 #include "commands.h"
 
 namespace hostkit_tool {
@@ -27,14 +28,15 @@ bool WriteHostFile(const std::string& hostFile,
   return true;
 }
 
-// The tool acts on this computer itself: there is no machine to save.
-int FinishCommand(int status, const std::string& saveFile, std::ostream& err) {
-  if (status == 0 && !saveFile.empty()) {
-    err << "hostkit: --save needs a simulated machine; on Windows the changes are made to this "
-           "computer\n";
-    return 1;
+// The tool acts on this computer itself: there is no machine to save, so --save is refused
+// before anything changes.
+int RunChange(const GlobalOptions& options, const std::function<int()>& command,
+              std::ostream& err) {
+  if (!options.save.empty()) {
+    return Fail(
+        "--save needs a simulated machine; on Windows the changes are made to this computer", err);
   }
-  return status;
+  return command();
 }
 
 // Programs started on Windows really run; nothing records them.
