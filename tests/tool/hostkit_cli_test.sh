@@ -153,27 +153,44 @@ json_part() {
   local commands=(os hardware adapters live dns summary hostname "reg query HKLM\\Enum"
                   "proxy show" "ie show" "favorites list" "mail list" "lan status"
                   "sharing status" "dialup status" "windows list")
-  local case profile name
+  local card='HKLM\Enum\PCI\VEN_10B7&DEV_9055&SUBSYS_00000000&REV_24\BUS_00&DEV_0D&FUNC_00'
+  local case codepage name profile command output documents=0
+  mkdir -p "$SCRATCH/documents"
   for case in "1252:Carte réseau" "1252:Kabel-Verbindung ß" "932:日本語ネットワークアダプタ"; do
+    codepage=${case%%:*}
     name=${case#*:}
-    profile=$(localized_profile win98 "${case%%:*}" "$name")
+    profile=$(localized_profile win98 "$codepage" "$name")
     for command in "${commands[@]}"; do
       # shellcheck disable=SC2086
       output=$("$HOSTKIT" --machine "$profile" --json $command 2>&1) ||
-        { fail "--json $command on code page ${case%%:*} failed: $output"; continue; }
-      python3 -c 'import json,sys; json.loads(sys.stdin.read())' <<<"$output" ||
-        fail "--json $command is not one JSON document: $output"
-      grep -q $'\xef\xbf\xbd\|\\\\ufffd' <<<"$output" && fail "--json $command lost text: $output"
+        { fail "--json $command on code page $codepage failed: $output"; continue; }
+      printf '%s' "$output" >"$SCRATCH/documents/$((++documents))-${command// /_}.json"
     done
-    for command in adapters live "reg query HKLM\\Enum\\PCI"; do
-      # shellcheck disable=SC2086
-      [[ $command == reg* ]] && command="reg query HKLM\\Enum\\PCI\\VEN_10B7&DEV_9055&SUBSYS_00000000&REV_24\\BUS_00&DEV_0D&FUNC_00"
+    for command in adapters live; do
       "$HOSTKIT" --machine "$profile" --json $command | grep -qF "\"$name\"" ||
-        fail "--json $command does not hold \"$name\" intact"
-      "$HOSTKIT" --machine "$profile" $command | grep -qF "$name" ||
-        fail "$command does not print \"$name\" as UTF-8"
+        fail "--json $command does not hold \"$name\" (code page $codepage)"
+      "$HOSTKIT" --machine "$profile" $command | grep -qF "] $name" ||
+        fail "$command does not print \"$name\" (code page $codepage)"
     done
+    "$HOSTKIT" --machine "$profile" --json reg query "$card" | grep -qF "\"data\": \"$name\"" ||
+      fail "--json reg query does not hold \"$name\" (code page $codepage)"
   done
+  # Each output is one JSON document, and no text was replaced on the way.
+  python3 - "$SCRATCH/documents"/* <<'EOF' || fail "an output is not a clean JSON document"
+import json, sys
+bad = 0
+for name in sys.argv[1:]:
+    text = open(name, encoding="utf-8").read()
+    try:
+        json.loads(text)
+    except ValueError as error:
+        print(f"{name}: {error}")
+        bad += 1
+    if "\ufffd" in text or "\\ufffd" in text.lower():
+        print(f"{name}: holds U+FFFD")
+        bad += 1
+sys.exit(1 if bad else 0)
+EOF
 }
 
 "${PART}_part"
