@@ -39,6 +39,9 @@ int RunChange(const GlobalOptions& options, const std::function<int()>& command,
   return command();
 }
 
+void AddMachineCommands(CLI::App& /*app*/, CommandTable& /*run*/, std::ostream& /*out*/,
+                        std::ostream& /*err*/) {}
+
 // Programs started on Windows really run; nothing records them.
 bool RecordedPrograms(std::vector<std::string>& lines) {
   lines.clear();
