@@ -106,6 +106,7 @@ int Run(int argc, char** argv) {
   hostkit_tool::AddTweakCommands(app, run, out, err);
   hostkit_tool::AddWindowCommands(app, run, out, err);
   hostkit_tool::AddDialupCommands(app, run, out, err);
+  hostkit_tool::AddSetupBroadbandCommand(app, run, out, err);
   hostkit_tool::AddMachineCommands(app, run, out, err);
 
   if (!hostkit_tool::CheckArgumentsAreUtf8(argc, argv, err)) {
