@@ -128,7 +128,7 @@ int RunSetupBroadband(const BroadbandArgs& args, std::ostream& out, std::ostream
     return Fail("setup-broadband failed: the adapter's TCP/IP keys could not be written", err);
   }
   bool renewed = false;
-  if (!wasStatic) {
+  if (!wasStatic && !address.empty()) {
     renewed = Hostkit::DhcpReleaseRenew().Renew(address);
   }
   Hostkit::ConfigureIE ie;
@@ -145,6 +145,11 @@ int RunSetupBroadband(const BroadbandArgs& args, std::ostream& out, std::ostream
   if (wasStatic) {
     out << "restart needed: the adapter had a static address; Windows takes the DHCP setting "
            "only when it starts again, so restart the computer to finish\n";
+    return kDone;
+  }
+  if (address.empty()) {
+    out << "renewal not checked: this release's stored record has no hardware address for the "
+           "adapter; run `hostkit renew --all` to renew its lease\n";
     return kDone;
   }
   if (!renewed) {
