@@ -70,18 +70,19 @@ void PrintTable(std::vector<Adapter>& adapters, std::ostream& out) {
     Adapter& a = adapters[i];
     out << "[" << i << "] " << Narrow(a.Name()) << "\n";
     out << "    cookie   " << Narrow(a.GetCookie().c_str()) << "\n";
-    out << "    type     " << (a.AdapterType().empty() ? "-" : a.AdapterType());
+    out << "    type     " << (a.AdapterType().empty() ? "-" : FromAnsi(a.AdapterType()));
     if (!a.HardwareAddress().empty()) {
-      out << "  hardware " << a.HardwareAddress();
+      out << "  hardware " << HardwareAddressText(a.HardwareAddress());
     }
     if (!a.DeviceDriver().empty()) {
-      out << "  driver " << a.DeviceDriver();
+      out << "  driver " << FromAnsi(a.DeviceDriver());
     }
     out << "\n    address  " << AddressText(a) << "\n";
     out << "    DNS      "
         << (a.StaticNameServers().empty() ? "-" : Join(a.StaticNameServers(), ", "))
         << (a.IsDnsStatic() ? " (static)" : "")
-        << (a.StaticDomainName().empty() ? "" : "  domain " + a.StaticDomainName()) << "\n";
+        << (a.StaticDomainName().empty() ? "" : "  domain " + FromAnsi(a.StaticDomainName()))
+        << "\n";
     out << "    WINS     " << WinsText(a.GetWinsState());
     if (!a.GetStaticWinsServers().empty()) {
       out << "  " << Join(a.GetStaticWinsServers(), ", ");
@@ -93,22 +94,22 @@ void PrintTable(std::vector<Adapter>& adapters, std::ostream& out) {
   }
 }
 
-void PrintJson(std::vector<Adapter>& adapters, std::ostream& out) {
+void PrintJsonList(std::vector<Adapter>& adapters, std::ostream& out) {
   nlohmann::ordered_json list = nlohmann::ordered_json::array();
   for (Adapter& a : adapters) {
     list.push_back({{"name", Narrow(a.Name())},
                     {"cookie", Narrow(a.GetCookie().c_str())},
                     {"serviceName", Narrow(a.ServiceName())},
-                    {"deviceDriver", a.DeviceDriver()},
-                    {"adapterType", a.AdapterType()},
-                    {"hardwareAddress", a.HardwareAddress()},
+                    {"deviceDriver", FromAnsi(a.DeviceDriver())},
+                    {"adapterType", FromAnsi(a.AdapterType())},
+                    {"hardwareAddress", HardwareAddressText(a.HardwareAddress())},
                     {"dhcp", a.UsingDhcp()},
                     {"ipAddress", a.StaticIpAddress()},
                     {"subnetMask", a.StaticSubnetMask()},
                     {"defaultGateway", a.StaticDefaultGateway()},
                     {"dnsServers", a.StaticNameServers()},
                     {"dnsStatic", a.IsDnsStatic()},
-                    {"domain", a.StaticDomainName()},
+                    {"domain", FromAnsi(a.StaticDomainName())},
                     {"winsState", WinsText(a.GetWinsState())},
                     {"winsServers", a.GetStaticWinsServers()},
                     {"ethernet", a.IsEthernetAdapter()},
@@ -117,19 +118,18 @@ void PrintJson(std::vector<Adapter>& adapters, std::ostream& out) {
                     {"enabled", a.IsAdapterEnabled()},
                     {"functional", a.IsFunctional()}});
   }
-  out << list.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
+  PrintJson(list, out);
 }
 
 }  // namespace
 
-int RunAdapters(bool json, std::ostream& out, std::ostream& err) {
+int RunAdapters(std::ostream& out, std::ostream& err) {
   std::vector<Adapter> adapters;
   if (!StaticTcpipInfo().GetAdapterInfo(adapters)) {
-    err << "hostkit: the machine's Windows release is not known\n";
-    return 1;
+    return Fail("the machine's Windows release is not known", err);
   }
-  if (json) {
-    PrintJson(adapters, out);
+  if (JsonOutput()) {
+    PrintJsonList(adapters, out);
   } else {
     PrintTable(adapters, out);
   }

@@ -16,17 +16,14 @@ int RunBackup(const std::vector<std::string>& keys, const std::string& file, std
   Hostkit::RegWiz registry;
   for (const std::string& key : keys) {
     KeyName name;
-    Hostkit::wstring path;
-    if (!ParseKeyName(key, name) || !Hostkit::ConvertANSIToUnicode(name.path, path)) {
-      err << "hostkit: \"" << key << "\" does not start with a root key such as HKLM or "
-          << "HKEY_CURRENT_USER\n";
-      return 1;
+    if (!ParseKeyName(key, name)) {
+      return UsageError("\"" + key + "\" does not start with a root key such as HKLM", err);
     }
+    const Hostkit::wstring path = Wide(name.path);
     const HKEY root = name.root;
     // The library leaves out keys it cannot open; the tool says so instead.
     if (!registry.DoesKeyExist(root, path.c_str())) {
-      err << "hostkit: key not found: " << key << "\n";
-      return 1;
+      return Fail("key not found: " + key, err);
     }
     backup.AddRegistryKey(root, path.c_str());
   }
@@ -34,11 +31,10 @@ int RunBackup(const std::vector<std::string>& keys, const std::string& file, std
   if (!WriteHostFile(
           file, [&](const Hostkit::wstring& path) { return backup.SaveRegistry(path.c_str()); },
           error)) {
-    err << "hostkit: cannot write " << file << ": " << error << "\n";
-    return 1;
+    return Fail("cannot write " + file + ": " + error, err);
   }
   out << "saved " << keys.size() << (keys.size() == 1 ? " key" : " keys") << " to " << file << "\n";
-  return 0;
+  return kDone;
 }
 
 }  // namespace hostkit_tool

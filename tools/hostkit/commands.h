@@ -1,9 +1,10 @@
 // The commands of the hostkit tool. Each prints its result on `out` and its failure on `err`
-// and returns the process exit code (0 or 1).
+// and returns the process exit code (kDone, kFailed or kUsage).
 #pragma once
 
 #include <functional>
 #include <iosfwd>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -23,24 +24,66 @@ int RunOs(std::ostream& out, std::ostream& err);
 // and Drive report them.
 int RunHardware(std::ostream& out, std::ostream& err);
 
-// `hostkit adapters [--json]`: the stored TCP/IP configuration of every network adapter
-// (name, cookie, type, DHCP or static addresses, DNS, WINS, flags), as a table or as JSON.
-int RunAdapters(bool json, std::ostream& out, std::ostream& err);
+// `hostkit adapters`: the stored TCP/IP configuration of every network adapter (name, cookie,
+// type, DHCP or static addresses, DNS, WINS, flags), as a table or as JSON.
+int RunAdapters(std::ostream& out, std::ostream& err);
 
-// `hostkit live [--json]`: the TCP/IP state every adapter uses now.
-int RunLive(bool json, std::ostream& out, std::ostream& err);
-// `hostkit dns`: the DNS servers, domain and search list in use.
-int RunDns(std::ostream& out, std::ostream& err);
+// `hostkit live`: the TCP/IP state every adapter uses now.
+int RunLive(std::ostream& out, std::ostream& err);
+// `hostkit dns [--raw]`: the DNS servers, domain and search list in use; empty entries of the
+// library's list are left out unless `raw`.
+int RunDns(bool raw, std::ostream& out, std::ostream& err);
 // `hostkit release|renew ADAPTER|--all`: ADAPTER is a hardware address or a number of `hostkit
 // live`; the verdict is the library's, from the live state read afterwards.
 int RunDhcp(bool renew, const std::string& adapter, bool all, std::ostream& out, std::ostream& err);
 
-// Text for printing and from the command line: the machine's ANSI code page to and from UTF-16
-// (empty when it does not convert).
+// Exit codes: done, the operation failed (with the reason on standard error), usage error.
+constexpr int kDone = 0;
+constexpr int kFailed = 1;
+constexpr int kUsage = 2;
+
+// Text for printing and from the command line, which speak UTF-8: UTF-16 to UTF-8 (unpaired
+// surrogates become U+FFFD), UTF-8 to UTF-16 (empty when the text is not UTF-8), and the
+// machine's ANSI code page to UTF-8 (bytes it does not convert become U+FFFD).
 std::string Narrow(const Hostkit::wstring& text);
-Hostkit::wstring Wide(const std::string& text);
-// Prints "WHAT: done" and answers 0, or reports on `err` that WHAT could not be done and answers 1.
+Hostkit::wstring Wide(const std::string& utf8);
+std::string FromAnsi(const std::string& ansi);
+// UTF-8 to the machine's ANSI code page; false when the text has no exact form there.
+bool ToAnsi(const std::string& utf8, std::string& ansi);
+// A hardware address in the one form the tool prints: upper-case hex pairs joined by "-".
+std::string HardwareAddressText(const std::string& address);
+// UTF-8 that converts to UTF-16 and back unchanged.
+bool IsUtf8(const std::string& text);
+
+// Prints "WHAT: done" and answers kDone, or reports on `err` that WHAT failed, with `reason`
+// when one is given, and answers kFailed.
 int Done(bool ok, const std::string& what, std::ostream& out, std::ostream& err);
+int Done(bool ok, const std::string& what, const std::string& reason, std::ostream& out,
+         std::ostream& err);
+// Reports a failure with its reason and answers kFailed.
+int Fail(const std::string& reason, std::ostream& err);
+// Reports wrong input found after parsing and answers kUsage.
+int UsageError(const std::string& what, std::ostream& err);
+
+// The global --json switch: reading commands print one JSON document instead of text.
+void SetJsonOutput(bool json);
+bool JsonOutput();
+
+// A reading command's answer: fields with a stable JSON key and a label, printed as aligned
+// "label  value" lines, or with --json as one object of the keys. Text shows true and false as
+// yes and no, null as "-", and lists joined by ", ".
+class Report {
+ public:
+  void Add(const std::string& key, const std::string& label, nlohmann::ordered_json value);
+  void Print(std::ostream& out) const;
+  const nlohmann::ordered_json& Json() const { return json_; }
+
+ private:
+  nlohmann::ordered_json json_ = nlohmann::ordered_json::object();
+  std::vector<std::string> labels_;
+};
+// Prints `document` as the one JSON document of a command.
+void PrintJson(const nlohmann::ordered_json& document, std::ostream& out);
 
 // `hostkit adapter ADAPTER ACTION ARGS...`: ADAPTER is a cookie or a number of `hostkit
 // adapters`; ACTION is "dhcp", "static IP MASK [GATEWAY]", "dns SERVER...", "domain NAME" or
@@ -51,11 +94,6 @@ int RunAdapterChange(const std::string& adapter, const std::string& action,
 int RunHostName(const std::string& name, std::ostream& out, std::ostream& err);
 // `hostkit summary`: the adapter counts, the primary adapter and the TCP/IP installation.
 int RunSummary(std::ostream& out, std::ostream& err);
-
-// Ends a command: after a command that succeeded, writes the machine to `saveFile` (a profile
-// and a .reg beside it) when one is given. Returns the command's exit code, or 1 when saving
-// fails.
-int FinishCommand(int status, const std::string& saveFile, std::ostream& err);
 
 // A key named on the command line, "ROOT\path" with ROOT a root key's long or short name.
 struct KeyName {

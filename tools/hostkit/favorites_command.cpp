@@ -10,33 +10,33 @@
 
 namespace hostkit_tool {
 
-int RunFavoritesList(std::ostream& out, std::ostream& err) {
+int RunFavoritesList(std::ostream& out, std::ostream& /*err*/) {
   std::vector<Hostkit::ConfigureIE::FavoriteLink> links;
-  const int count = Hostkit::ConfigureIE().GetFavorites(links);
+  Hostkit::ConfigureIE().GetFavorites(links);
+  nlohmann::ordered_json list = nlohmann::ordered_json::array();
   for (const auto& link : links) {
-    std::string name;
-    std::string url;
-    Hostkit::ConvertUnicodeToANSI(link.name, name);
-    Hostkit::ConvertUnicodeToANSI(link.url, url);
-    out << name << "\t" << url << "\n";
+    list.push_back({{"name", Narrow(link.name)}, {"url", Narrow(link.url)}});
   }
-  if (count == 0) {
-    err << "hostkit: no favorites found\n";
-    return 1;
+  if (JsonOutput()) {
+    PrintJson(list, out);
+    return kDone;
   }
-  return 0;
+  for (const auto& entry : list) {
+    out << entry["name"].get<std::string>() << "\t" << entry["url"].get<std::string>() << "\n";
+  }
+  if (list.empty()) {
+    out << "no favorites\n";
+  }
+  return kDone;
 }
 
 int RunFavoritesAdd(const std::string& name, const std::string& url, std::ostream& out,
                     std::ostream& err) {
   Hostkit::ConfigureIE::FavoriteLink link;
-  if (!Hostkit::ConvertANSIToUnicode(name, link.name) ||
-      !Hostkit::ConvertANSIToUnicode(url, link.url) || !Hostkit::ConfigureIE().AddFavorite(link)) {
-    err << "hostkit: could not add the favorite " << name << "\n";
-    return 1;
-  }
-  out << "added " << name << "\n";
-  return 0;
+  link.name = Wide(name);
+  link.url = Wide(url);
+  return Done(Hostkit::ConfigureIE().AddFavorite(link), "add the favorite " + name,
+              "the Favorites folder is missing or the shortcut cannot be written", out, err);
 }
 
 }  // namespace hostkit_tool

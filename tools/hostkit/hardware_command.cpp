@@ -37,35 +37,53 @@ const char* TypeText(Drive::TYPE type) {
 int RunHardware(std::ostream& out, std::ostream& /*err*/) {
   Hostkit::CPU cpu;
   const int speed = cpu.Speed(10, true);
-  out << "Processors: " << cpu.Num() << "\n"
-      << "Family: " << cpu.Family() << "\n"
-      << "Speed: " << (speed >= 0 ? std::to_string(speed) + " MHz" : "unknown") << "\n"
-      << "Vendor: " << Narrow(cpu.VendorUnicode()) << "\n"
-      << "Product: " << cpu.ProductName() << "\n"
-      << "Memory: " << Hostkit::RAM().NumMegs() << " MB\n";
+  Report report;
+  report.Add("processors", "processors", cpu.Num());
+  report.Add("family", "family", cpu.Family());
+  report.Add("speedMHz", "speed (MHz)",
+             speed >= 0 ? nlohmann::ordered_json(speed) : nlohmann::ordered_json());
+  report.Add("vendor", "vendor", Narrow(cpu.VendorUnicode()));
+  report.Add("product", "product", FromAnsi(cpu.ProductName()));
+  report.Add("memoryMB", "memory (MB)", Hostkit::RAM().NumMegs());
   Drive drive;
-  out << "System drive: " << drive.SystemDrive() << ":\n";
+  report.Add("systemDrive", "system drive", std::string(1, drive.SystemDrive()) + ":");
+  nlohmann::ordered_json drives = nlohmann::ordered_json::array();
   for (char letter = 'A'; letter <= 'Z'; ++letter) {
     const Drive::TYPE type = drive.Type(letter);
     if (type == Drive::TYPE_UNKNOWN) {
       continue;
     }
-    out << "Drive " << letter << ": " << TypeText(type);
+    nlohmann::ordered_json entry = {{"letter", std::string(1, letter) + ":"},
+                                    {"type", TypeText(type)}};
     const unsigned long total = drive.AvailableSpace(letter, Drive::MEGABYTES);
     if (total > 0) {
-      out << ", " << total << " MB, " << drive.FreeSpace(letter, Drive::MEGABYTES) << " MB free";
+      entry["sizeMB"] = total;
+      entry["freeMB"] = drive.FreeSpace(letter, Drive::MEGABYTES);
     }
-    out << "\n";
+    drives.push_back(entry);
+  }
+  if (JsonOutput()) {
+    report.Add("drives", "drives", drives);
+  } else {
+    for (const auto& entry : drives) {
+      std::string text = entry["type"].get<std::string>();
+      if (entry.contains("sizeMB")) {
+        text += ", " + entry["sizeMB"].dump() + " MB, " + entry["freeMB"].dump() + " MB free";
+      }
+      report.Add("drive" + entry["letter"].get<std::string>(),
+                 "drive " + entry["letter"].get<std::string>(), text);
+    }
   }
   Hostkit::Usb usb;
-  out << "USB: " << (usb.DoesSupportUsb() ? "supported" : "not supported") << "\n";
+  report.Add("usbSupported", "USB", usb.DoesSupportUsb());
   const int ports = usb.NumberOfPortsExisting();
-  if (ports >= 0) {
-    out << "USB ports: " << ports << ", " << usb.NumberOfPortsOpen() << " free\n";
-  } else {
-    out << "USB ports: not counted on this release\n";
-  }
-  return 0;
+  report.Add("usbPorts", "USB ports",
+             ports >= 0 ? nlohmann::ordered_json(ports) : nlohmann::ordered_json());
+  report.Add(
+      "usbPortsFree", "USB ports free",
+      ports >= 0 ? nlohmann::ordered_json(usb.NumberOfPortsOpen()) : nlohmann::ordered_json());
+  report.Print(out);
+  return kDone;
 }
 
 }  // namespace hostkit_tool

@@ -34,7 +34,7 @@ void PrintTable(std::vector<LiveAdapter>& adapters, std::ostream& out) {
     if (!a.ServiceName().empty()) {
       out << "    name     " << Narrow(a.ServiceName()) << "\n";
     }
-    out << "    hardware " << a.HardwareAddress()
+    out << "    hardware " << HardwareAddressText(a.HardwareAddress())
         << (a.IsEthernetAdapter() ? "  Ethernet" : "  PPP") << "\n";
     out << "    address  " << a.IpAddrress() << " mask " << a.SubnetMask();
     if (!a.DefaultGateway().empty()) {
@@ -51,7 +51,7 @@ void PrintTable(std::vector<LiveAdapter>& adapters, std::ostream& out) {
   }
 }
 
-void PrintJson(std::vector<LiveAdapter>& adapters, std::ostream& out) {
+void PrintJsonList(std::vector<LiveAdapter>& adapters, std::ostream& out) {
   nlohmann::ordered_json list = nlohmann::ordered_json::array();
   for (LiveAdapter& a : adapters) {
     list.push_back({{"description", Narrow(a.Description())},
@@ -59,20 +59,20 @@ void PrintJson(std::vector<LiveAdapter>& adapters, std::ostream& out) {
                     {"ipAddress", a.IpAddrress()},
                     {"subnetMask", a.SubnetMask()},
                     {"defaultGateway", a.DefaultGateway()},
-                    {"hardwareAddress", a.HardwareAddress()},
+                    {"hardwareAddress", HardwareAddressText(a.HardwareAddress())},
                     {"dhcpServer", a.DhcpServer()},
                     {"dhcp", a.IsDhcp()},
                     {"ethernet", a.IsEthernetAdapter()}});
   }
-  out << list.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
+  PrintJson(list, out);
 }
 
-// The hardware address an argument names: a number of `hostkit live`, or the address itself
-// (in the lower-case form the library reports).
+// The hardware address an argument names, as the library reports it: a number of `hostkit
+// live`, or an address of one of its adapters written in either case with "-" or ":".
 bool ResolveAdapter(const std::string& argument, std::string& address, std::ostream& err) {
   std::vector<LiveAdapter> adapters;
   LiveTcpipInfo().GetAdapterInfo(adapters);
-  if (!argument.empty() && argument.find_first_not_of("0123456789") == std::string::npos) {
+  if (argument.find_first_not_of("0123456789") == std::string::npos) {
     const size_t index = std::stoul(argument);
     if (index >= adapters.size()) {
       err << "hostkit: there is no adapter " << argument << " (see `hostkit live`)\n";
@@ -81,11 +81,15 @@ bool ResolveAdapter(const std::string& argument, std::string& address, std::ostr
     address = adapters[index].HardwareAddress();
     return true;
   }
-  address = argument;
-  for (char& c : address) {
-    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  for (LiveAdapter& adapter : adapters) {
+    if (HardwareAddressText(adapter.HardwareAddress()) == HardwareAddressText(argument)) {
+      address = adapter.HardwareAddress();
+      return true;
+    }
   }
-  return true;
+  err << "hostkit: no adapter in use has the hardware address " << HardwareAddressText(argument)
+      << " (see `hostkit live`)\n";
+  return false;
 }
 
 // Runs `operation`; on a terminal a line tells what is happening and about how long is left of
@@ -113,47 +117,54 @@ bool WithProgress(const std::string& what, double seconds, const std::function<b
   return result;
 }
 
+// The library judges a release or renewal by the live state it reads afterwards.
+std::string DhcpReason(bool renew) {
+  return renew ? "no usable address arrived from the DHCP server (see `hostkit live`)"
+               : "the adapter still holds an address afterwards (see `hostkit live`)";
+}
+
 }  // namespace
 
-int RunLive(bool json, std::ostream& out, std::ostream& err) {
+int RunLive(std::ostream& out, std::ostream& err) {
   std::vector<LiveAdapter> adapters;
   if (!LiveTcpipInfo().GetAdapterInfo(adapters)) {
-    err << "hostkit: neither IP Helper nor the SNMP agent answered\n";
-    return 1;
+    return Fail("neither IP Helper nor the SNMP agent answered", err);
   }
-  if (json) {
-    PrintJson(adapters, out);
+  if (JsonOutput()) {
+    PrintJsonList(adapters, out);
   } else {
     PrintTable(adapters, out);
   }
-  return 0;
+  return kDone;
 }
 
-int RunDns(std::ostream& out, std::ostream& /*err*/) {
+int RunDns(bool raw, std::ostream& out, std::ostream& /*err*/) {
   LiveTcpipInfo live;
   std::vector<std::string> servers;
-  const bool serversKnown = live.GetDnsServers(servers);
-  out << "servers      ";
-  if (!serversKnown || servers.empty()) {
-    out << "-";
-  }
-  for (size_t i = 0; i < servers.size(); ++i) {
-    out << (i > 0 ? ", " : "") << servers[i];
+  live.GetDnsServers(servers);
+  nlohmann::ordered_json serverList = nlohmann::ordered_json::array();
+  for (const std::string& server : servers) {
+    if (raw || !server.empty()) {
+      serverList.push_back(FromAnsi(server));
+    }
   }
   Hostkit::wstring domain;
-  out << "\ndomain       "
-      << (live.GetDomainName(domain) && !domain.empty() ? Narrow(domain) : "-");
+  live.GetDomainName(domain);
   std::vector<Hostkit::wstring> searchList;
   live.GetDomainSearchList(searchList);
-  out << "\nsearch list  ";
-  if (searchList.empty()) {
-    out << "-";
+  nlohmann::ordered_json search = nlohmann::ordered_json::array();
+  for (const Hostkit::wstring& entry : searchList) {
+    if (raw || !entry.empty()) {
+      search.push_back(Narrow(entry));
+    }
   }
-  for (size_t i = 0; i < searchList.size(); ++i) {
-    out << (i > 0 ? ", " : "") << Narrow(searchList[i]);
-  }
-  out << "\n";
-  return 0;
+  Report report;
+  report.Add("servers", "servers", serverList);
+  report.Add("domain", "domain",
+             domain.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(Narrow(domain)));
+  report.Add("searchList", "search list", search);
+  report.Print(out);
+  return kDone;
 }
 
 int RunDhcp(bool renew, const std::string& adapter, bool all, std::ostream& out,
@@ -165,7 +176,7 @@ int RunDhcp(bool renew, const std::string& adapter, bool all, std::ostream& out,
         renew ? "renewing every DHCP lease" : "releasing every DHCP lease",
         renew ? kRenewSeconds : kReleaseSeconds,
         [&] { return renew ? dhcp.RenewAll() : dhcp.ReleaseAll(); }, out);
-    return Done(ok, std::string(verb) + " every DHCP lease", out, err);
+    return Done(ok, std::string(verb) + " every DHCP lease", DhcpReason(renew), out, err);
   }
   std::string address;
   if (!ResolveAdapter(adapter, address, err)) {
@@ -175,7 +186,8 @@ int RunDhcp(bool renew, const std::string& adapter, bool all, std::ostream& out,
       std::string(renew ? "renewing the lease of " : "releasing the lease of ") + address,
       renew ? kRenewSeconds : kReleaseSeconds,
       [&] { return renew ? dhcp.Renew(address) : dhcp.Release(address); }, out);
-  return Done(ok, std::string(verb) + " the lease of " + address, out, err);
+  return Done(ok, std::string(verb) + " the lease of " + HardwareAddressText(address),
+              DhcpReason(renew), out, err);
 }
 
 }  // namespace hostkit_tool

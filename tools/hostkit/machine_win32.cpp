@@ -1,6 +1,7 @@
 // The machine of the Windows build is the one the tool runs on; profiles do not apply.
 #include <ostream>
 
+#include "command_line.h"
 #include "commands.h"
 #include "hostkit/strings.h"
 
@@ -34,15 +35,19 @@ bool WriteHostFile(const std::string& hostFile,
   return true;
 }
 
-// The tool acts on this computer itself: there is no machine to save.
-int FinishCommand(int status, const std::string& saveFile, std::ostream& err) {
-  if (status == 0 && !saveFile.empty()) {
-    err << "hostkit: --save needs a simulated machine; on Windows the changes are made to this "
-           "computer\n";
-    return 1;
+// The tool acts on this computer itself: there is no machine to save, so --save is refused
+// before anything changes.
+int RunChange(const GlobalOptions& options, const std::function<int()>& command,
+              std::ostream& err) {
+  if (!options.save.empty()) {
+    return Fail(
+        "--save needs a simulated machine; on Windows the changes are made to this computer", err);
   }
-  return status;
+  return command();
 }
+
+void AddMachineCommands(CLI::App& /*app*/, CommandTable& /*run*/, std::ostream& /*out*/,
+                        std::ostream& /*err*/) {}
 
 // Programs started on Windows really run; nothing records them.
 bool RecordedPrograms(std::vector<std::string>& lines) {

@@ -70,32 +70,45 @@ std::string EditionText(OS::EXACT_TYPE exact) {
          ServicePackText(offset % 5, 4);
 }
 
-std::string NumberText(int value) { return value < 0 ? "unknown" : std::to_string(value); }
-
 }  // namespace
 
 int RunOs(std::ostream& out, std::ostream& /*err*/) {
   OS os;
   const int major = os.MajorVersion();
   const int minor = os.MinorVersion();
-  out << "release:       " << ReleaseText(os.Type()) << "\n";
-  out << "edition:       " << EditionText(os.ExactType()) << "\n";
-  out << "version:       "
-      << (major < 0 ? std::string("unknown") : std::to_string(major) + "." + std::to_string(minor))
-      << "\n";
-  out << "build:         " << NumberText(os.BuildNumber()) << "\n";
-  out << "service pack:  " << (os.IsWinNT() ? NumberText(os.NTSP()) : std::string("none")) << "\n";
+  const auto number = [](int value) {
+    return value < 0 ? nlohmann::ordered_json() : nlohmann::ordered_json(value);
+  };
+  Report report;
+  report.Add("release", "release", ReleaseText(os.Type()));
+  report.Add("edition", "edition", EditionText(os.ExactType()));
+  report.Add("version", "version",
+             major < 0
+                 ? nlohmann::ordered_json()
+                 : nlohmann::ordered_json(std::to_string(major) + "." + std::to_string(minor)));
+  report.Add("build", "build", number(os.BuildNumber()));
+  report.Add("servicePack", "service pack",
+             os.IsWinNT() ? number(os.NTSP()) : nlohmann::ordered_json("none"));
   unsigned int language = 0;
   char languageName[16] = {};
-  if (os.SystemDefaultLanguage(language, languageName)) {
-    out << "language:      " << language
-        << (languageName[0] != '\0' ? " (" + std::string(languageName) + ")" : std::string())
-        << "\n";
+  const bool languageKnown = os.SystemDefaultLanguage(language, languageName);
+  if (JsonOutput()) {
+    report.Add("language", "language",
+               languageKnown ? nlohmann::ordered_json(language) : nlohmann::ordered_json());
+    report.Add("locale", "locale",
+               languageKnown && languageName[0] != '\0' ? nlohmann::ordered_json(languageName)
+                                                        : nlohmann::ordered_json());
   } else {
-    out << "language:      unknown\n";
+    report.Add("language", "language",
+               !languageKnown
+                   ? std::string("unknown")
+                   : std::to_string(language) + (languageName[0] != '\0'
+                                                     ? " (" + std::string(languageName) + ")"
+                                                     : std::string()));
   }
-  out << "administrator: " << (os.IsUserAdministrator() ? "yes" : "no") << "\n";
-  return 0;
+  report.Add("administrator", "administrator", os.IsUserAdministrator());
+  report.Print(out);
+  return kDone;
 }
 
 }  // namespace hostkit_tool

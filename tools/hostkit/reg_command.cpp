@@ -71,13 +71,13 @@ std::string HexBytes(const std::vector<BYTE>& data) {
 std::string DataText(DWORD type, const std::vector<BYTE>& data) {
   const std::string bytes(data.begin(), data.end());
   if (type == REG_SZ || type == REG_EXPAND_SZ) {
-    return bytes.substr(0, bytes.find('\0'));
+    return FromAnsi(bytes.substr(0, bytes.find('\0')));
   }
   if (type == REG_MULTI_SZ) {
     std::string text;
     for (size_t start = 0; start < bytes.size() && bytes[start] != '\0';) {
       const size_t end = std::min(bytes.find('\0', start), bytes.size());
-      text += (start == 0 ? "" : "\\0") + bytes.substr(start, end - start);
+      text += (start == 0 ? "" : "\\0") + FromAnsi(bytes.substr(start, end - start));
       start = end + 1;
     }
     return text;
@@ -95,8 +95,8 @@ std::string DataText(DWORD type, const std::vector<BYTE>& data) {
   return HexBytes(data);
 }
 
-// Prints each value of the open key; false when one cannot be read.
-bool PrintValues(HKEY key, std::ostream& out) {
+// Appends each value of the open key to `values`; false when one cannot be read.
+bool ReadValues(HKEY key, nlohmann::ordered_json& values) {
   std::vector<char> name(16384);
   std::vector<BYTE> data(1024);
   for (DWORD index = 0;; ++index) {
@@ -117,9 +117,10 @@ bool PrintValues(HKEY key, std::ostream& out) {
     if (result != ERROR_SUCCESS) {
       return false;
     }
-    const std::string valueName = nameSize == 0 ? "(Default)" : std::string(name.data(), nameSize);
-    out << "    " << valueName << "    " << TypeName(type) << "    "
-        << DataText(type, std::vector<BYTE>(data.begin(), data.begin() + dataSize)) << "\n";
+    values.push_back(
+        {{"name", FromAnsi(std::string(name.data(), nameSize))},
+         {"type", TypeName(type)},
+         {"data", DataText(type, std::vector<BYTE>(data.begin(), data.begin() + dataSize))}});
   }
 }
 
@@ -127,38 +128,49 @@ bool PrintValues(HKEY key, std::ostream& out) {
 
 int RunRegQuery(const std::string& key, std::ostream& out, std::ostream& err) {
   KeyName name;
-  if (!ParseKeyName(key, name)) {
-    err << "hostkit: \"" << key << "\" does not start with a root key such as HKLM or "
-        << "HKEY_CURRENT_USER\n";
-    return 1;
+  std::string ansi;
+  if (!ToAnsi(key, ansi) || !ParseKeyName(ansi, name)) {
+    return UsageError("\"" + key + "\" names no key of the machine", err);
   }
+  const std::string full = FromAnsi(name.full);
   Hostkit::RegWiz registry;
   if (!registry.DoesKeyExist(name.root, name.path.c_str())) {
-    err << "hostkit: key not found: " << name.full << "\n";
-    return 1;
+    return Fail("key not found: " + full, err);
   }
   HKEY open = nullptr;
   const LONG result =
       Hostkit::platform::RegOpenKeyExA(name.root, name.path.c_str(), 0, KEY_READ, &open);
   if (result != ERROR_SUCCESS) {
-    err << "hostkit: cannot open " << name.full << " (error " << result << ")\n";
-    return 1;
+    return Fail("cannot open " + full + " (error " + std::to_string(result) + ")", err);
   }
-  out << name.full << "\n";
-  const bool valuesRead = PrintValues(open, out);
+  nlohmann::ordered_json values = nlohmann::ordered_json::array();
+  const bool valuesRead = ReadValues(open, values);
   Hostkit::platform::RegCloseKey(open);
   std::vector<std::string> subkeys;
   if (!valuesRead || !registry.GetSubKeyNames(name.root, name.path.c_str(), subkeys)) {
-    err << "hostkit: cannot read " << name.full << "\n";
-    return 1;
+    return Fail("cannot read " + full, err);
+  }
+  nlohmann::ordered_json subkeyList = nlohmann::ordered_json::array();
+  for (const std::string& subkey : subkeys) {
+    subkeyList.push_back(FromAnsi(subkey));
+  }
+  if (JsonOutput()) {
+    PrintJson({{"key", full}, {"values", values}, {"subkeys", subkeyList}}, out);
+    return kDone;
+  }
+  out << full << "\n";
+  for (const auto& value : values) {
+    const std::string valueName = value["name"].get<std::string>();
+    out << "    " << (valueName.empty() ? "(Default)" : valueName) << "    "
+        << value["type"].get<std::string>() << "    " << value["data"].get<std::string>() << "\n";
   }
   if (!subkeys.empty()) {
     out << "\n";
   }
-  for (const std::string& subkey : subkeys) {
-    out << name.full << "\\" << subkey << "\n";
+  for (const auto& subkey : subkeyList) {
+    out << full << "\\" << subkey.get<std::string>() << "\n";
   }
-  return 0;
+  return kDone;
 }
 
 }  // namespace hostkit_tool

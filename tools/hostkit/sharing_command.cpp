@@ -19,7 +19,7 @@ bool OnWin9x(const std::string& what, std::ostream& err) {
   if (Hostkit::OS().IsWin9x()) {
     return true;
   }
-  err << "hostkit: " << what << ": only Windows 95, 98 and Me have this setting\n";
+  err << "hostkit: " << what << " failed: only Windows 95, 98 and Me have this setting\n";
   return false;
 }
 
@@ -32,44 +32,57 @@ std::string SourcePath() {
 }  // namespace
 
 int RunSharingStatus(std::ostream& out, std::ostream& /*err*/) {
-  Hostkit::FileAndPrintSharing sharing;
-  out << "File sharing: " << (sharing.IsFileSharingEnabled() ? "on" : "off") << "\n"
-      << "Print sharing: " << (sharing.IsPrintSharingEnabled() ? "on" : "off") << "\n";
-  return 0;
+  Report report;
+  if (!Hostkit::OS().IsWin9x()) {
+    report.Add("applicable", "file and print sharing", false);
+    report.Add("note", "note", "not applicable: only Windows 95, 98 and Me have these switches");
+  } else {
+    Hostkit::FileAndPrintSharing sharing;
+    report.Add("applicable", "applicable", true);
+    report.Add("fileSharing", "file sharing", sharing.IsFileSharingEnabled());
+    report.Add("printSharing", "print sharing", sharing.IsPrintSharingEnabled());
+  }
+  report.Print(out);
+  return kDone;
 }
 
 int RunSharingOff(std::ostream& out, std::ostream& err) {
   if (!OnWin9x("sharing off", err)) {
-    return 1;
+    return kFailed;
   }
   Hostkit::FileAndPrintSharing sharing;
   sharing.DisableFileSharing();
   sharing.DisablePrintSharing();
   // The switches report nothing: what counts is that both halves now read as off.
   return Done(!sharing.IsFileSharingEnabled() && !sharing.IsPrintSharingEnabled(), "sharing off",
-              out, err);
+              "a sharing switch still reads as on afterwards", out, err);
 }
 
 int RunCabsSet(const std::string& folder, std::ostream& out, std::ostream& err) {
   if (!OnWin9x("cabs set", err)) {
-    return 1;
+    return kFailed;
   }
-  Hostkit::CabFiles().SetWinCabsLocation(folder.c_str());
-  return Done(SourcePath() == folder, "cabs set " + folder, out, err);
+  std::string ansi;
+  if (!ToAnsi(folder, ansi)) {
+    return UsageError("\"" + folder + "\" has no form in the machine's code page", err);
+  }
+  Hostkit::CabFiles().SetWinCabsLocation(ansi.c_str());
+  return Done(SourcePath() == ansi, "cabs set " + folder,
+              "the set-up key HKLM\\" + std::string(kSetup) + " is missing", out, err);
 }
 
 int RunCabsRestore(std::ostream& out, std::ostream& err) {
   if (!OnWin9x("cabs restore", err)) {
-    return 1;
+    return kFailed;
   }
   std::string old;
   if (!Hostkit::RegWiz().GetKeyVal(HKEY_LOCAL_MACHINE, "Software\\Tavrin\\Dorsel", "OldSourcePath",
                                    old)) {
-    err << "hostkit: cabs restore: no earlier set-up source folder is remembered\n";
-    return 1;
+    return Fail("cabs restore failed: no earlier set-up source folder is remembered", err);
   }
   Hostkit::CabFiles().RestoreWinCabsLocation();
-  return Done(SourcePath() == old, "cabs restore", out, err);
+  return Done(SourcePath() == old, "cabs restore", "the set-up source folder did not change back",
+              out, err);
 }
 
 }  // namespace hostkit_tool

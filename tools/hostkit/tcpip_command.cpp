@@ -1,9 +1,11 @@
 // hostkit adapter, hostname and summary: changing the stored TCP/IP settings of one adapter and
 // of the machine through the library's StaticTcpipInfo, and its summary counts.
+#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "command_line.h"
 #include "commands.h"
 #include "hostkit/patterns.h"
 #include "hostkit/static_tcpip.h"
@@ -25,24 +27,28 @@ bool FindAdapter(const std::string& name, Adapter& found, std::ostream& err) {
       return true;
     }
   }
-  if (!name.empty() && name.find_first_not_of("0123456789") == std::string::npos &&
+  if (!name.empty() && name.size() < 9 &&
+      name.find_first_not_of("0123456789") == std::string::npos &&
       std::stoul(name) < adapters.size()) {
     found = adapters[std::stoul(name)];
     return true;
   }
-  err << "hostkit: no adapter has the cookie or number \"" << name << "\"\n";
+  err << "hostkit: no adapter has the cookie or number \"" << name
+      << "\" (see `hostkit adapters`)\n";
   return false;
 }
 
-bool CheckAddresses(const std::vector<std::string>& addresses, std::ostream& err) {
-  for (const std::string& address : addresses) {
-    if (!Hostkit::IsValidIPAddress(address.c_str())) {
-      err << "hostkit: \"" << address << "\" is not an IP address\n";
-      return false;
-    }
+std::string Join(const std::vector<std::string>& items) {
+  std::string joined;
+  for (const std::string& item : items) {
+    joined += (joined.empty() ? "" : ", ") + item;
   }
-  return true;
+  return joined;
 }
+
+// Why a change of an adapter's stored settings fails: the library writes only keys that exist.
+const char* const kAdapterKeys =
+    "the library could not write the adapter's TCP/IP keys (it never creates a missing key)";
 
 bool SetStatic(StaticTcpipInfo& info, const StaticTcpipInfo::Cookie& cookie,
                const std::vector<std::string>& args) {
@@ -73,41 +79,80 @@ int RunAdapterChange(const std::string& adapter, const std::string& action,
                      const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
   Adapter found;
   if (!FindAdapter(adapter, found, err)) {
-    return 1;
+    return kFailed;
   }
   const StaticTcpipInfo::Cookie cookie = found.GetCookie();
-  const std::string what = action + " on " + Narrow(found.Name());
+  const std::string on = " on [" + adapter + "] " + Narrow(found.Name());
   StaticTcpipInfo info;
   if (action == "dhcp") {
-    return Done(info.EnableDHCP(cookie, true), what, out, err);
+    return Done(info.EnableDHCP(cookie, true), "DHCP" + on, kAdapterKeys, out, err);
   }
   if (action == "static") {
-    if (args.size() < 2 || args.size() > 3) {
-      err << "hostkit: static takes IP MASK [GATEWAY]\n";
-      return 1;
-    }
-    return CheckAddresses(args, err) ? Done(SetStatic(info, cookie, args), what, out, err) : 1;
+    return Done(SetStatic(info, cookie, args), "static address " + args[0] + on, kAdapterKeys, out,
+                err);
   }
   if (action == "dns") {
-    if (!CheckAddresses(args, err)) {
-      return 1;
-    }
     return Done(
-        info.SetStaticNameServers(cookie, args) && info.MakeDnsStatic(cookie, !args.empty()), what,
+        info.SetStaticNameServers(cookie, args) && info.MakeDnsStatic(cookie, !args.empty()),
+        (args.empty() ? "DNS servers cleared" : "DNS servers " + Join(args)) + on, kAdapterKeys,
         out, err);
   }
   if (action == "domain") {
-    if (args.size() != 1 || !Hostkit::IsValidDomainName(args[0].c_str())) {
-      err << "hostkit: domain takes one valid domain name\n";
-      return 1;
-    }
-    return Done(info.SetDomainName(cookie, args[0].c_str()), what, out, err);
+    return Done(info.SetDomainName(cookie, args[0].c_str()), "domain " + args[0] + on, kAdapterKeys,
+                out, err);
   }
   std::vector<std::string> servers = args;
   if (servers.size() == 1 && servers[0] == "off") {
     servers.clear();
   }
-  return CheckAddresses(servers, err) ? Done(SetWins(info, cookie, servers), what, out, err) : 1;
+  return Done(SetWins(info, cookie, servers),
+              (servers.empty() ? "WINS off" : "WINS servers " + Join(servers)) + on, kAdapterKeys,
+              out, err);
+}
+
+void AddAdapterCommands(CLI::App& app, CommandTable& run, std::ostream& out, std::ostream& err) {
+  struct Args {
+    std::string adapter;
+    std::vector<std::string> values;
+  };
+  auto args = std::make_shared<Args>();
+  CLI::App* adapter = app.add_subcommand("adapter", "change one adapter's stored TCP/IP settings");
+  adapter->add_option("ADAPTER", args->adapter, "cookie or number from `hostkit adapters`")
+      ->required();
+  adapter->require_subcommand(1);
+  const auto action = [&](const std::string& name, const std::string& description,
+                          const std::string& example) {
+    CLI::App* command = AddCommand(*adapter, name, description, "hostkit adapter 0 " + example);
+    run[command] = [args, name, &out, &err] {
+      return RunAdapterChange(args->adapter, name, args->values, out, err);
+    };
+    return command;
+  };
+  action("dhcp", "take the address from DHCP", "dhcp");
+  CLI::App* fixed = action("static", "a static address: IP MASK [GATEWAY]",
+                           "static 192.168.1.50 255.255.255.0 192.168.1.1");
+  fixed->add_option("IP MASK GATEWAY", args->values, "the address, mask and optional gateway")
+      ->expected(2, 3)
+      ->required()
+      ->check(CLI::ValidIPV4);
+  action("dns", "static DNS servers (none: clear them)", "dns 192.168.1.1 10.0.0.1")
+      ->add_option("SERVER", args->values, "DNS server addresses")
+      ->check(CLI::ValidIPV4);
+  action("domain", "the DNS domain", "domain home.example")
+      ->add_option("NAME", args->values, "a valid domain name")
+      ->expected(1)
+      ->required()
+      ->check(CLI::Validator(
+          [](std::string& name) {
+            return Hostkit::IsValidDomainName(name.c_str())
+                       ? std::string()
+                       : "\"" + name + "\" is not a valid domain name";
+          },
+          "DOMAIN"));
+  action("wins", "WINS servers, or off", "wins off")
+      ->add_option("SERVER", args->values, "WINS server addresses, or off")
+      ->required()
+      ->check(CLI::ValidIPV4 | CLI::IsMember({"off"}));
 }
 
 int RunHostName(const std::string& name, std::ostream& out, std::ostream& err) {
@@ -115,42 +160,46 @@ int RunHostName(const std::string& name, std::ostream& out, std::ostream& err) {
   if (name.empty()) {
     std::string current;
     if (!info.GetStaticHostName(current)) {
-      err << "hostkit: the host name cannot be read\n";
-      return 1;
+      return Fail("the host name cannot be read: the machine's TCP/IP parameters have none", err);
     }
-    out << current << "\n";
-    return 0;
+    Report report;
+    report.Add("hostName", "host name", FromAnsi(current));
+    report.Print(out);
+    return kDone;
   }
-  if (!Hostkit::IsValidHostName(name.c_str())) {
-    err << "hostkit: \"" << name << "\" is not a valid host name\n";
-    return 1;
+  std::string ansi;
+  if (!ToAnsi(name, ansi)) {
+    return UsageError("\"" + name + "\" has no form in the machine's code page", err);
   }
-  return Done(info.SetStaticHostName(name.c_str()), "host name " + name, out, err);
+  return Done(info.SetStaticHostName(ansi.c_str()), "host name " + name,
+              "the machine's TCP/IP parameter keys are missing", out, err);
 }
 
 int RunSummary(std::ostream& out, std::ostream& err) {
   StaticTcpipInfo info;
   std::vector<Adapter> adapters;
   if (!info.GetAdapterInfo(adapters)) {
-    err << "hostkit: the machine's Windows release is not known\n";
-    return 1;
+    return Fail("the machine's Windows release is not known", err);
   }
   const int primary = info.GetPrimaryNicIndex(adapters);
-  out << "adapters:                 " << adapters.size() << "\n"
-      << "network cards:            " << info.NumNICs(&adapters) << "\n"
-      << "bound to TCP/IP:          " << info.NumTcpipBoundNICs(&adapters) << "\n"
-      << "bound and enabled:        " << info.NumTcpipBoundAndEnabledNICs(&adapters) << "\n"
-      << "non-functional present:   " << (info.IsNonFunctionalNicPresent(&adapters) ? "yes" : "no")
-      << "\n"
-      << "primary adapter:          "
-      << (primary < 0 ? std::string("none")
-                      : "[" + std::to_string(primary) + "] " +
-                            Narrow(adapters[static_cast<size_t>(primary)].Name()))
-      << "\n"
-      << "TCP/IP installed:         " << (info.IsTcpipInstalled() ? "yes" : "no") << "\n"
-      << "dial-up adapters:         " << info.NumMicrosoftDialupAdapters() << "\n"
-      << "VPN installed:            " << (info.IsMicrosoftVpnInstalled() ? "yes" : "no") << "\n";
-  return 0;
+  Report report;
+  report.Add("adapters", "adapters", adapters.size());
+  report.Add("networkCards", "network cards", info.NumNICs(&adapters));
+  report.Add("boundToTcpip", "bound to TCP/IP", info.NumTcpipBoundNICs(&adapters));
+  report.Add("boundAndEnabled", "bound and enabled", info.NumTcpipBoundAndEnabledNICs(&adapters));
+  report.Add("nonFunctionalPresent", "non-functional present",
+             info.IsNonFunctionalNicPresent(&adapters));
+  report.Add("primaryAdapter", "primary adapter",
+             primary < 0 ? nlohmann::ordered_json() : nlohmann::ordered_json(primary));
+  report.Add("primaryAdapterName", "primary adapter name",
+             primary < 0
+                 ? nlohmann::ordered_json()
+                 : nlohmann::ordered_json(Narrow(adapters[static_cast<size_t>(primary)].Name())));
+  report.Add("tcpipInstalled", "TCP/IP installed", info.IsTcpipInstalled());
+  report.Add("dialupAdapters", "dial-up adapters", info.NumMicrosoftDialupAdapters());
+  report.Add("vpnInstalled", "VPN installed", info.IsMicrosoftVpnInstalled());
+  report.Print(out);
+  return kDone;
 }
 
 }  // namespace hostkit_tool
