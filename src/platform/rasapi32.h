@@ -33,13 +33,13 @@ inline constexpr std::size_t kMaxDomain = 15;     // DNLEN
 inline constexpr std::size_t kMaxDnsSuffix = 256;
 
 inline constexpr DWORD kSuccess = 0;
-inline constexpr DWORD kBufferTooSmall = 603;     // ERROR_BUFFER_TOO_SMALL
-inline constexpr DWORD kCannotFindEntry = 623;    // ERROR_CANNOT_FIND_PHONEBOOK_ENTRY
-inline constexpr DWORD kInvalidSize = 632;        // ERROR_INVALID_SIZE
-inline constexpr DWORD kInvalidHandle = 6;        // ERROR_INVALID_HANDLE
-inline constexpr DWORD kAlreadyExists = 183;      // ERROR_ALREADY_EXISTS
-inline constexpr DWORD kConnected = 0x2000;       // RASCS_Connected
-inline constexpr DWORD kDisconnected = 0x2001;    // RASCS_Disconnected
+inline constexpr DWORD kBufferTooSmall = 603;   // ERROR_BUFFER_TOO_SMALL
+inline constexpr DWORD kCannotFindEntry = 623;  // ERROR_CANNOT_FIND_PHONEBOOK_ENTRY
+inline constexpr DWORD kInvalidSize = 632;      // ERROR_INVALID_SIZE
+inline constexpr DWORD kInvalidHandle = 6;      // ERROR_INVALID_HANDLE
+inline constexpr DWORD kAlreadyExists = 183;    // ERROR_ALREADY_EXISTS
+inline constexpr DWORD kConnected = 0x2000;     // RASCS_Connected
+inline constexpr DWORD kDisconnected = 0x2001;  // RASCS_Disconnected
 
 using HRASCONN = HANDLE;
 
@@ -199,14 +199,12 @@ static_assert(sizeof(void*) != 8 || (kConnectionSizes[0] == 708 && kDialParamsSi
 // RASDIALFUNC: called as the dial moves from state to state.
 using DialFunc = void(WINAPI*)(UINT message, DWORD state, DWORD error);
 
-using EnumEntriesA = DWORD(WINAPI*)(const char* reserved, const char* phonebook,
-                                    EntryName* entries, DWORD* size, DWORD* count);
-using GetEntryPropertiesA = DWORD(WINAPI*)(const char* phonebook, const char* entry,
-                                           Entry* record, DWORD* size, BYTE* deviceInfo,
-                                           DWORD* deviceInfoSize);
-using SetEntryPropertiesA = DWORD(WINAPI*)(const char* phonebook, const char* entry,
-                                           Entry* record, DWORD size, BYTE* deviceInfo,
-                                           DWORD deviceInfoSize);
+using EnumEntriesA = DWORD(WINAPI*)(const char* reserved, const char* phonebook, EntryName* entries,
+                                    DWORD* size, DWORD* count);
+using GetEntryPropertiesA = DWORD(WINAPI*)(const char* phonebook, const char* entry, Entry* record,
+                                           DWORD* size, BYTE* deviceInfo, DWORD* deviceInfoSize);
+using SetEntryPropertiesA = DWORD(WINAPI*)(const char* phonebook, const char* entry, Entry* record,
+                                           DWORD size, BYTE* deviceInfo, DWORD deviceInfoSize);
 using DeleteEntryA = DWORD(WINAPI*)(const char* phonebook, const char* entry);
 using DialA = DWORD(WINAPI*)(void* extensions, const char* phonebook, DialParams* params,
                              DWORD notifierType, void* notifier, HRASCONN* connection);
