@@ -65,8 +65,8 @@ class HOSTKIT_API RasInterface {
   struct ConnectionInfo {
     std::string entry;
     std::string deviceName;
-    bool connected = false;    ///< the connection's state is "connected"
-    unsigned long error = 0;   ///< the Remote Access error that ended the attempt, 0 if none
+    bool connected = false;   ///< the connection's state is "connected"
+    unsigned long error = 0;  ///< the Remote Access error that ended the attempt, 0 if none
   };
 
   RasInterface();

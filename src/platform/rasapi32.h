@@ -38,6 +38,7 @@ inline constexpr DWORD kCannotFindEntry = 623;  // ERROR_CANNOT_FIND_PHONEBOOK_E
 inline constexpr DWORD kInvalidSize = 632;      // ERROR_INVALID_SIZE
 inline constexpr DWORD kInvalidHandle = 6;      // ERROR_INVALID_HANDLE
 inline constexpr DWORD kAlreadyExists = 183;    // ERROR_ALREADY_EXISTS
+inline constexpr DWORD kTimeout = 1460;         // ERROR_TIMEOUT
 inline constexpr DWORD kConnected = 0x2000;     // RASCS_Connected
 inline constexpr DWORD kDisconnected = 0x2001;  // RASCS_Disconnected
 
