@@ -185,6 +185,28 @@ int Run(int argc, char** argv) {
   std::string dialupEntry;
   dialupAutodial->add_option("ENTRY", dialupEntry, "the phonebook entry to dial");
 
+  CLI::App* devices = app.add_subcommand("devices", "devices by class with their resources");
+  std::string deviceClass;
+  bool devicesFree = false;
+  devices->add_option("CLASS", deviceClass,
+                      "network, modem, usb, display, sound, ports, disk or cdrom (default: all)");
+  devices->add_flag("--free", devicesFree, "the free interrupts and DMA channels instead");
+
+  CLI::App* ras = app.add_subcommand("ras", "dial-up phonebook, devices, dialling and errors");
+  ras->require_subcommand(1);
+  CLI::App* rasEntries = ras->add_subcommand("entries", "the phonebook entries");
+  CLI::App* rasDevices = ras->add_subcommand("devices", "the dial-up devices and connections");
+  CLI::App* rasDial = ras->add_subcommand("dial", "dial an entry and wait for the connection");
+  CLI::App* rasHangUp = ras->add_subcommand("hangup", "hang up an entry's connection");
+  CLI::App* rasError = ras->add_subcommand("error", "the text of a Remote Access error code");
+  std::string rasEntry;
+  unsigned long rasTimeout = 60;
+  unsigned long rasCode = 0;
+  rasDial->add_option("ENTRY", rasEntry, "the phonebook entry")->required();
+  rasDial->add_option("--timeout", rasTimeout, "seconds to wait (default 60)");
+  rasHangUp->add_option("ENTRY", rasEntry, "the phonebook entry")->required();
+  rasError->add_option("CODE", rasCode, "the error code")->required();
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -346,6 +368,21 @@ int Run(int argc, char** argv) {
   if (dialupAutodial->parsed()) {
     return hostkit_tool::FinishCommand(
         hostkit_tool::RunDialupAutodial(dialupEntry, std::cout, std::cerr), saveFile, std::cerr);
+  }
+  if (devices->parsed()) {
+    return hostkit_tool::FinishCommand(
+        hostkit_tool::RunDevices(deviceClass, devicesFree, std::cout, std::cerr), saveFile,
+        std::cerr);
+  }
+  if (rasEntries->parsed() || rasDevices->parsed() || rasDial->parsed() || rasHangUp->parsed() ||
+      rasError->parsed()) {
+    const int status =
+        rasEntries->parsed()   ? hostkit_tool::RunRasEntries(std::cout, std::cerr)
+        : rasDevices->parsed() ? hostkit_tool::RunRasDevices(std::cout, std::cerr)
+        : rasDial->parsed()   ? hostkit_tool::RunRasDial(rasEntry, rasTimeout, std::cout, std::cerr)
+        : rasHangUp->parsed() ? hostkit_tool::RunRasHangUp(rasEntry, std::cout, std::cerr)
+                              : hostkit_tool::RunRasError(rasCode, std::cout, std::cerr);
+    return hostkit_tool::FinishCommand(status, saveFile, std::cerr);
   }
   if (backup->parsed()) {
     return hostkit_tool::FinishCommand(
