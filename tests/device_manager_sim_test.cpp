@@ -146,8 +146,8 @@ class DeviceInventory : public hostkit_test::SimPerRelease {
       }
     }
     // The system timer, which holds interrupt 0 and (here) DMA channel 2 without a device class.
-    SetValue(HKEY_LOCAL_MACHINE, "HARDWARE\\RESOURCEMAP\\System Resources\\Physical Memory", ".Raw",
-             REG_RESOURCE_LIST, ResourceList().Interrupt(0, 0).Dma(2).Build());
+    SetValue(HKEY_LOCAL_MACHINE, "HARDWARE\\RESOURCEMAP\\System Resources\\Physical Memory",
+             "Timer.Raw", REG_RESOURCE_LIST, ResourceList().Interrupt(0, 0).Dma(2).Build());
     if (isWin9x()) {
       SetValue(HKEY_DYN_DATA, "Config Manager\\Enum\\TIMER", "Allocation", REG_BINARY,
                Allocation().Irq(0).Dma(2).End());
