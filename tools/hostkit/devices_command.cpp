@@ -69,8 +69,14 @@ void PrintDevice(const char* className, const Hostkit::DeviceManager::DeviceInfo
 int RunDevices(const std::string& deviceClass, bool free, std::ostream& out, std::ostream& err) {
   Hostkit::DeviceManager manager;
   if (free) {
-    out << "free irq: " << Numbers(manager.GetFreeIRQs()) << "\n"
-        << "free dma: " << Numbers(manager.GetFreeDMAChannels()) << "\n";
+    const std::vector<int> irqs = manager.GetFreeIRQs();
+    const std::vector<int> dmaChannels = manager.GetFreeDMAChannels();
+    if (irqs.empty() && dmaChannels.empty()) {
+      err << "hostkit devices --free: the machine's resource records cannot be read\n";
+      return 1;
+    }
+    out << "free irq: " << Numbers(irqs) << "\n"
+        << "free dma: " << Numbers(dmaChannels) << "\n";
     return 0;
   }
   bool known = deviceClass.empty();
