@@ -23,7 +23,9 @@ if [[ -n "$outside$internal" ]]; then
   exit 1
 fi
 for expected in 'Hostkit::RegWiz::GetKeyVal' 'Hostkit::OS::Type()' 'Hostkit::ConvertANSIToUnicode' \
-  'Hostkit::RegExpMatch' 'Hostkit::GetVersion' 'Hostkit::FileExists'; do
+  'Hostkit::RegExpMatch' 'Hostkit::GetVersion' 'Hostkit::FileExists' \
+  'Hostkit::DeviceManager::GetDevices' 'Hostkit::DeviceManager::GetFreeIRQs' \
+  'Hostkit::RasInterface::Dial' 'Hostkit::RasInterface::GetEntries'; do
   if ! grep -qF "$expected" <<<"$demangled"; then
     echo "check-exports: $dll does not export $expected" >&2
     exit 1

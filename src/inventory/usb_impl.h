@@ -1,11 +1,10 @@
-// The implementation objects behind Usb and DeviceManager, and the walk over the USB host
+// The implementation object behind Usb, and the walk over the USB host
 // controllers and hubs that Usb counts ports with.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "hostkit/device_manager.h"
 #include "hostkit/usb.h"
 
 namespace Hostkit {
@@ -28,15 +27,6 @@ class Usb_impl {
   bool DoesSupportUsb();
   int NumberOfPortsExisting();
   int NumberOfPortsOpen();
-};
-
-class DeviceManager_impl {
- public:
-  void SetVXD(const std::string& driverName) { driverName_ = driverName; }
-  bool IsUSBPresent();
-
- private:
-  std::string driverName_;
 };
 
 }  // namespace Hostkit

@@ -27,10 +27,11 @@ struct DeviceInfoData {
   ULONG_PTR reserved;
 };
 
-constexpr DWORD kPresentOnly = 0x00000002;  // DIGCF_PRESENT
-constexpr DWORD kDeviceDescription = 0;     // SPDRP_DEVICEDESC
-constexpr DWORD kHardwareId = 1;            // SPDRP_HARDWAREID
-constexpr DWORD kDriver = 9;                // SPDRP_DRIVER
+constexpr DWORD kPresentOnly = 0x00000002;   // DIGCF_PRESENT
+constexpr DWORD kDeviceDescription = 0;      // SPDRP_DEVICEDESC
+constexpr DWORD kHardwareId = 1;             // SPDRP_HARDWAREID
+constexpr DWORD kDriver = 9;                 // SPDRP_DRIVER
+constexpr DWORD kPhysicalDeviceObject = 14;  // SPDRP_PHYSICAL_DEVICE_OBJECT_NAME
 constexpr LONG kNoSuchDevinst = static_cast<LONG>(0xE000020B);
 constexpr LONG kInvalidData = 13;
 

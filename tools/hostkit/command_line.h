@@ -31,6 +31,8 @@ void AddMailCommands(CLI::App& app, CommandTable& run, std::ostream& out, std::o
 void AddTweakCommands(CLI::App& app, CommandTable& run, std::ostream& out, std::ostream& err);
 void AddWindowCommands(CLI::App& app, CommandTable& run, std::ostream& out, std::ostream& err);
 void AddDialupCommands(CLI::App& app, CommandTable& run, std::ostream& out, std::ostream& err);
+void AddDevicesCommands(CLI::App& app, CommandTable& run, std::ostream& out, std::ostream& err);
+void AddRasCommands(CLI::App& app, CommandTable& run, std::ostream& out, std::ostream& err);
 void AddSetupBroadbandCommand(CLI::App& app, CommandTable& run, std::ostream& out,
                               std::ostream& err);
 // Commands on machine profiles (diff); none on Windows, where the tool asks this computer.

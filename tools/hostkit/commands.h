@@ -186,6 +186,21 @@ int RunDialupAutodial(const std::string& entry, std::ostream& out, std::ostream&
 // machine records them (it does not run them); false on Windows, where they really run.
 bool RecordedPrograms(std::vector<std::string>& lines);
 
+// `hostkit devices [CLASS] [--free]`: the devices of CLASS (network, modem, usb, display,
+// sound, ports, disk, cdrom) or of every class with their resources, through DeviceManager; with
+// --free the interrupts and DMA channels no device holds. An unknown class answers 2.
+int RunDevices(const std::string& deviceClass, bool free, std::ostream& out, std::ostream& err);
+
+// `hostkit ras entries|devices|dial ENTRY|hangup ENTRY|error CODE`: the phonebook, the dial-up
+// devices and connections, dialling and hanging up, and error texts through RasInterface. A
+// failure names the Remote Access error code and its text.
+int RunRasEntries(std::ostream& out, std::ostream& err);
+int RunRasDevices(std::ostream& out, std::ostream& err);
+int RunRasDial(const std::string& entry, unsigned long timeoutSeconds, std::ostream& out,
+               std::ostream& err);
+int RunRasHangUp(const std::string& entry, std::ostream& out, std::ostream& err);
+int RunRasError(unsigned long code, std::ostream& out, std::ostream& err);
+
 // Calls `write` with the Windows path under which the library writes the host file
 // `hostFile`. On Windows that is the file itself; the simulated build lets the library write on
 // a temporary drive C: of its machine and copies the result to `hostFile`. False with `error`

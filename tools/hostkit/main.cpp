@@ -106,6 +106,8 @@ int Run(int argc, char** argv) {
   hostkit_tool::AddTweakCommands(app, run, out, err);
   hostkit_tool::AddWindowCommands(app, run, out, err);
   hostkit_tool::AddDialupCommands(app, run, out, err);
+  hostkit_tool::AddDevicesCommands(app, run, out, err);
+  hostkit_tool::AddRasCommands(app, run, out, err);
   hostkit_tool::AddSetupBroadbandCommand(app, run, out, err);
   hostkit_tool::AddMachineCommands(app, run, out, err);
 

@@ -255,6 +255,50 @@ class HOSTKIT_API WindowTree {
   std::uintptr_t nextHandle_ = 0x10010;
 };
 
+// The state of a present device node as the Configuration Manager reports it (Windows 2000
+// and XP): its status flags, problem code and the name of its physical device object
+// ("\Device\00000042"), under which the resource map keeps its resources.
+struct SimDevNode {
+  DWORD status = 0x0180200A;  // started, driver loaded, enumerated, in the device tree
+  DWORD problem = 0;
+  std::string deviceObject;
+};
+
+// A dial-up device Remote Access can use: its name and its type ("modem", "isdn", "vpn", ...).
+struct SimRasDevice {
+  std::string name;
+  std::string type = "modem";
+};
+
+// A phonebook entry and what dialling it does: after `delayMs` of virtual time it connects
+// (`error` 0) or fails with the Remote Access error `error` (676 busy, 678 no answer, ...).
+struct SimRasEntry {
+  std::string areaCode;
+  std::string phoneNumber;
+  DWORD countryCode = 1;
+  std::string deviceType = "modem";
+  std::string deviceName;
+  DWORD delayMs = 2000;
+  DWORD error = 0;
+};
+
+// A call Remote Access made: ready at virtual time `readyAt` (nanoseconds), connected then
+// unless `error` says it failed.
+struct SimRasConnection {
+  HANDLE handle = nullptr;
+  std::string entry;
+  std::string deviceName;
+  std::uint64_t readyAt = 0;
+  DWORD error = 0;
+};
+
+// Remote Access on the machine: devices, the default phonebook and the calls not hung up.
+struct SimRas {
+  std::vector<SimRasDevice> devices;
+  std::map<std::string, SimRasEntry, NoCaseLess> entries;
+  std::vector<SimRasConnection> connections;
+};
+
 class RegistryStore;
 
 class HOSTKIT_API Machine {
@@ -296,6 +340,11 @@ class HOSTKIT_API Machine {
   // Instance identifiers of the devices that are present ("PCI\VEN_8086&...\3&...&0&40"), as
   // the device-setup listing reports them; a device key without one is an absent device.
   std::vector<std::string>& presentDevices() { return presentDevices_; }
+  // The state of present device nodes by instance identifier; a present device not listed has
+  // the default state and no device object.
+  std::map<std::string, SimDevNode, NoCaseLess>& devNodes() { return devNodes_; }
+  // Remote Access: dial-up devices, phonebook and calls.
+  SimRas& ras() { return ras_; }
   // Top-level windows, their controls and the messages posted to them.
   WindowTree& windows() { return windows_; }
   // Every control request sent to a device so far, oldest first.
@@ -317,6 +366,8 @@ class HOSTKIT_API Machine {
   std::map<std::string, std::vector<std::string>, NoCaseLess> dosDevices_;
   std::map<std::string, SimService, NoCaseLess> services_;
   std::vector<std::string> presentDevices_;
+  std::map<std::string, SimDevNode, NoCaseLess> devNodes_;
+  SimRas ras_;
   WindowTree windows_;
   std::vector<DeviceRequest> deviceRequests_;
   LiveNetwork liveNetwork_;

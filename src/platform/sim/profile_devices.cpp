@@ -88,6 +88,9 @@ class DeviceFieldReader {
     if (key == "services") {
       return Services(value);
     }
+    if (key == "ras") {
+      return Ras(value);
+    }
     return PresentDevices(value);
   }
 
@@ -277,16 +280,99 @@ class DeviceFieldReader {
     return true;
   }
 
+  // Instance identifiers, or objects of "id" and the device node's "status", "problem" and
+  // "deviceObject".
   bool PresentDevices(const Json& value) {
+    const char* what =
+        "\"presentDevices\" must be a list of instance identifiers or of objects with \"id\" "
+        "and \"status\", \"problem\" (numbers) and \"deviceObject\"";
     if (!value.is_array()) {
-      return Fail({"presentDevices"}, "\"presentDevices\" must be a list of instance identifiers");
+      return Fail({"presentDevices"}, what);
     }
-    for (const Json& id : value) {
-      if (!id.is_string()) {
-        return Fail({"presentDevices"},
-                    "\"presentDevices\" must be a list of instance identifiers");
+    for (const Json& item : value) {
+      if (item.is_string()) {
+        machine_.presentDevices().push_back(item.get<std::string>());
+        continue;
       }
-      machine_.presentDevices().push_back(id.get<std::string>());
+      if (!item.is_object() || !item.contains("id") || !item["id"].is_string()) {
+        return Fail({"presentDevices"}, what);
+      }
+      const std::string id = item["id"].get<std::string>();
+      SimDevNode node;
+      for (const auto& [field, member] : item.items()) {
+        const bool ok = field == "id" ||
+                        (field == "deviceObject" && ReadString(member, node.deviceObject)) ||
+                        (field == "status" && ReadNumber(member, node.status)) ||
+                        (field == "problem" && ReadNumber(member, node.problem));
+        if (!ok) {
+          return Fail({"presentDevices", id, field}, what);
+        }
+      }
+      machine_.presentDevices().push_back(id);
+      machine_.devNodes()[id] = node;
+    }
+    return true;
+  }
+
+  static bool ReadNumber(const Json& value, DWORD& number) {
+    if (!value.is_number_unsigned() || value.get<std::uint64_t>() > 0xFFFFFFFFU) {
+      return false;
+    }
+    number = static_cast<DWORD>(value.get<std::uint64_t>());
+    return true;
+  }
+
+  // { "devices": [ { "name": N, "type": T } ], "entries": { NAME: { "phone", "areaCode",
+  //   "country", "device", "deviceType", "delayMs", "error" } } }
+  bool Ras(const Json& value) {
+    if (!value.is_object()) {
+      return Fail({"ras"}, "\"ras\" must be an object of \"devices\" and \"entries\"");
+    }
+    SimRas& ras = machine_.ras();
+    for (const auto& [key, member] : value.items()) {
+      if (key == "devices" && member.is_array()) {
+        for (const Json& device : member) {
+          SimRasDevice simDevice;
+          if (!device.is_object() || !device.contains("name") ||
+              !ReadString(device["name"], simDevice.name) ||
+              (device.contains("type") && !ReadString(device["type"], simDevice.type)) ||
+              device.size() > (device.contains("type") ? 2U : 1U)) {
+            return Fail({"ras", "devices"}, "a RAS device is an object of \"name\" and \"type\"");
+          }
+          ras.devices.push_back(simDevice);
+        }
+      } else if (key == "entries" && member.is_object()) {
+        for (const auto& [name, entry] : member.items()) {
+          std::string field;
+          if (!RasEntry(entry, ras.entries[name], field)) {
+            return Fail({"ras", "entries", name, field},
+                        "an entry has the strings \"phone\", \"areaCode\", \"device\", "
+                        "\"deviceType\" and the numbers \"country\", \"delayMs\", \"error\"");
+          }
+        }
+      } else {
+        return Fail({"ras", key}, "\"ras\" has a list \"devices\" and an object \"entries\"");
+      }
+    }
+    return true;
+  }
+
+  static bool RasEntry(const Json& value, SimRasEntry& entry, std::string& at) {
+    if (!value.is_object()) {
+      return false;
+    }
+    for (const auto& [field, member] : value.items()) {
+      at = field;
+      const bool ok = (field == "phone" && ReadString(member, entry.phoneNumber)) ||
+                      (field == "areaCode" && ReadString(member, entry.areaCode)) ||
+                      (field == "device" && ReadString(member, entry.deviceName)) ||
+                      (field == "deviceType" && ReadString(member, entry.deviceType)) ||
+                      (field == "country" && ReadNumber(member, entry.countryCode)) ||
+                      (field == "delayMs" && ReadNumber(member, entry.delayMs)) ||
+                      (field == "error" && ReadNumber(member, entry.error));
+      if (!ok) {
+        return false;
+      }
     }
     return true;
   }
@@ -340,10 +426,32 @@ OrderedJson UsbJson(const SimUsb& usb) {
   return json;
 }
 
+void WriteRas(const SimRas& ras, OrderedJson& json) {
+  if (ras.devices.empty() && ras.entries.empty()) {
+    return;
+  }
+  OrderedJson devices = OrderedJson::array();
+  for (const SimRasDevice& device : ras.devices) {
+    devices.push_back({{"name", device.name}, {"type", device.type}});
+  }
+  OrderedJson entries = OrderedJson::object();
+  for (const auto& [name, entry] : ras.entries) {
+    entries[name] = {{"phone", entry.phoneNumber},
+                     {"areaCode", entry.areaCode},
+                     {"country", entry.countryCode},
+                     {"device", entry.deviceName},
+                     {"deviceType", entry.deviceType},
+                     {"delayMs", entry.delayMs},
+                     {"error", entry.error}};
+  }
+  json["ras"] = {{"devices", devices}, {"entries", entries}};
+}
+
 }  // namespace
 
 bool IsDeviceField(const std::string& key) {
-  return key == "devices" || key == "dosDevices" || key == "services" || key == "presentDevices";
+  return key == "devices" || key == "dosDevices" || key == "services" || key == "presentDevices" ||
+         key == "ras";
 }
 
 bool ReadDeviceField(const std::string& key, const nlohmann::json& value, Machine& machine,
@@ -389,8 +497,23 @@ void WriteDeviceFields(Machine& machine, nlohmann::ordered_json& json) {
     json["services"] = services;
   }
   if (!machine.presentDevices().empty()) {
-    json["presentDevices"] = machine.presentDevices();
+    OrderedJson present = OrderedJson::array();
+    for (const std::string& id : machine.presentDevices()) {
+      auto node = machine.devNodes().find(id);
+      if (node == machine.devNodes().end()) {
+        present.push_back(id);
+        continue;
+      }
+      OrderedJson item = {
+          {"id", id}, {"status", node->second.status}, {"problem", node->second.problem}};
+      if (!node->second.deviceObject.empty()) {
+        item["deviceObject"] = node->second.deviceObject;
+      }
+      present.push_back(item);
+    }
+    json["presentDevices"] = present;
   }
+  WriteRas(machine.ras(), json);
 }
 
 }  // namespace Hostkit::sim

@@ -1,16 +1,18 @@
 // "setupapi.dll" of the simulated machine: the device-information calls over the machine's
 // device keys ("SYSTEM\CurrentControlSet\Enum\ENUMERATOR\DEVICE\INSTANCE") and its list of
-// present devices.
+// present devices; and "cfgmgr32.dll" with the state of their device nodes.
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "hostkit/sim/machine.h"
+#include "platform/cfgmgr32.h"
 #include "platform/modules.h"
 #include "platform/registry.h"
 #include "platform/setupapi.h"
@@ -23,14 +25,50 @@ namespace Hostkit::sim {
 namespace {
 
 namespace setupapi = platform::setupapi;
+namespace cfgmgr = platform::cfgmgr;
 
 constexpr const char* kEnumKey = "SYSTEM\\CurrentControlSet\\Enum";
 
 class DeviceInfoSet : public KernelObject {
  public:
-  explicit DeviceInfoSet(std::vector<std::string> ids) : ids(std::move(ids)) {}
+  DeviceInfoSet(std::vector<std::string> ids, const setupapi::ClassGuid& guid)
+      : ids(std::move(ids)), guid(guid) {}
   std::vector<std::string> ids;  // instance identifiers, in listing order
+  setupapi::ClassGuid guid;
 };
+
+// Device node handles: each instance identifier gets one number, from 1, for the process's
+// life, as the Configuration Manager keeps one devnode per device.
+class DevNodeTable {
+ public:
+  DWORD Of(const std::string& id) {
+    std::lock_guard lock(mutex_);
+    for (std::size_t i = 0; i < ids_.size(); ++i) {
+      if (NoCaseEqual(ids_[i], id)) {
+        return static_cast<DWORD>(i + 1);
+      }
+    }
+    ids_.push_back(id);
+    return static_cast<DWORD>(ids_.size());
+  }
+  bool Id(DWORD devInst, std::string& id) {
+    std::lock_guard lock(mutex_);
+    if (devInst == 0 || devInst > ids_.size()) {
+      return false;
+    }
+    id = ids_[devInst - 1];
+    return true;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::vector<std::string> ids_;
+};
+
+DevNodeTable& DevNodes() {
+  static DevNodeTable table;
+  return table;
+}
 
 std::string GuidText(const setupapi::ClassGuid& guid) {
   char text[40];
@@ -134,14 +172,16 @@ BOOL Fail(LONG error) {
   return FALSE;
 }
 
-// The set's member at the index the data record carries (devInst counts from 1).
+// The set's member the data record's device node stands for.
 const std::string* Member(HANDLE set, const setupapi::DeviceInfoData* data) {
   auto object = FindHandleAs<DeviceInfoSet>(set);
-  if (object == nullptr || data == nullptr || data->devInst == 0 ||
-      data->devInst > object->ids.size()) {
+  std::string id;
+  if (object == nullptr || data == nullptr || !DevNodes().Id(data->devInst, id)) {
     return nullptr;
   }
-  return &object->ids[data->devInst - 1];
+  auto found = std::find_if(object->ids.begin(), object->ids.end(),
+                            [&id](const std::string& member) { return NoCaseEqual(member, id); });
+  return found != object->ids.end() ? &*found : nullptr;
 }
 
 HANDLE WINAPI GetClassDevsA(const setupapi::ClassGuid* classGuid, const char* /*enumerator*/,
@@ -156,7 +196,7 @@ HANDLE WINAPI GetClassDevsA(const setupapi::ClassGuid* classGuid, const char* /*
       const auto machine = ActiveMachine();
       std::erase_if(ids, [&machine](const std::string& id) { return !IsPresent(*machine, id); });
     }
-    HANDLE set = AddHandle(std::make_shared<DeviceInfoSet>(std::move(ids)));
+    HANDLE set = AddHandle(std::make_shared<DeviceInfoSet>(std::move(ids), *classGuid));
     if (set == nullptr) {
       platform::SetLastError(ERROR_NOT_ENOUGH_MEMORY);
       return INVALID_HANDLE_VALUE;
@@ -179,8 +219,8 @@ BOOL WINAPI EnumDeviceInfo(HANDLE set, DWORD index, setupapi::DeviceInfoData* da
   if (index >= object->ids.size()) {
     return Fail(ERROR_NO_MORE_ITEMS);
   }
-  data->classGuid = setupapi::kNetClass;
-  data->devInst = index + 1;
+  data->classGuid = object->guid;
+  data->devInst = DevNodes().Of(object->ids[index]);
   data->reserved = 0;
   return TRUE;
 }
@@ -219,6 +259,20 @@ BOOL WINAPI GetDeviceRegistryPropertyA(HANDLE set, setupapi::DeviceInfoData* dat
     if (member == nullptr) {
       return Fail(ERROR_INVALID_PARAMETER);
     }
+    if (property == setupapi::kPhysicalDeviceObject) {
+      const auto machine = ActiveMachine();
+      auto node = machine->devNodes().find(*member);
+      if (node == machine->devNodes().end() || node->second.deviceObject.empty()) {
+        return Fail(setupapi::kInvalidData);
+      }
+      const std::string& name = node->second.deviceObject;
+      std::vector<BYTE> bytes(name.begin(), name.end());
+      bytes.push_back(0);
+      if (type != nullptr) {
+        *type = REG_SZ;
+      }
+      return CopyOut(bytes, buffer, size, required);
+    }
     const char* name = property == setupapi::kDeviceDescription ? "DeviceDesc"
                        : property == setupapi::kHardwareId      ? "HardwareID"
                        : property == setupapi::kDriver          ? "Driver"
@@ -246,6 +300,25 @@ BOOL WINAPI DestroyDeviceInfoList(HANDLE set) {
   return TRUE;
 }
 
+// A present device's node: its state from the machine's device nodes.
+DWORD WINAPI GetDevNodeStatus(ULONG* status, ULONG* problem, DWORD devInst, ULONG /*flags*/) {
+  try {
+    std::string id;
+    const auto machine = ActiveMachine();
+    if (status == nullptr || problem == nullptr || !DevNodes().Id(devInst, id) ||
+        !IsPresent(*machine, id)) {
+      return cfgmgr::kNoSuchDevnode;
+    }
+    auto node = machine->devNodes().find(id);
+    const SimDevNode state = node != machine->devNodes().end() ? node->second : SimDevNode{};
+    *status = state.status;
+    *problem = state.problem;
+    return cfgmgr::kSuccess;
+  } catch (...) {
+    return cfgmgr::kNoSuchDevnode;
+  }
+}
+
 }  // namespace
 
 void AddSetupApiModule(Machine& machine) {
@@ -259,6 +332,10 @@ void AddSetupApiModule(Machine& machine) {
   module.entryPoints["SetupDiGetDeviceRegistryPropertyA"] =
       platform::AsProc(&GetDeviceRegistryPropertyA);
   module.entryPoints["SetupDiDestroyDeviceInfoList"] = platform::AsProc(&DestroyDeviceInfoList);
+  if (machine.release() == Release::Win2000 || machine.release() == Release::WinXP) {
+    machine.modules()["cfgmgr32.dll"].entryPoints["CM_Get_DevNode_Status"] =
+        platform::AsProc(&GetDevNodeStatus);
+  }
 }
 
 }  // namespace Hostkit::sim

@@ -77,6 +77,7 @@ void AddStandardModules(Machine& machine) {
   machine.modules()[platform::kShell32].entryPoints[platform::kSHGetSpecialFolderPathA] =
       reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(entry));
   AddSetupApiModule(machine);
+  AddRasModule(machine);
   AddIpHelperModule(machine);
   AddDhcpVxd(machine);
   AddSnmpModules(machine);

@@ -8,8 +8,13 @@ namespace Hostkit::sim {
 // "shell32.dll" with SHGetSpecialFolderPathA.
 void AddStandardModules(Machine& machine);
 
-// "setupapi.dll" with the device-information calls (Windows 98 and later, 2000 and XP).
+// "setupapi.dll" with the device-information calls (Windows 98 and later, 2000 and XP) and
+// "cfgmgr32.dll" with the device-node state (2000 and XP).
 void AddSetupApiModule(Machine& machine);
+
+// "rasapi32.dll" over the machine's Remote Access state (every release: a profile without
+// Dial-Up Networking names it absent).
+void AddRasModule(Machine& machine);
 
 // "IPHLPAPI.DLL" over the live network (Windows 98, Me and the NT family) and "dhcpcsvc.dll"
 // with the DHCP client's acquire and release calls (the NT family).
