@@ -11,7 +11,7 @@ cd "$(dirname "$0")/.."
 jobs="${HOSTKIT_JOBS:-2}"
 
 bash scripts/install-deps.sh --windows
-cmake -S . -B build-win -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake
+cmake -S . -B build-win -G Ninja -DHOSTKIT_WERROR=ON -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake
 cmake --build build-win -j "$jobs"
 
 source scripts/wine-prefix.sh

@@ -17,7 +17,7 @@ cmake -S . -B build -DHOSTKIT_BUILD_BENCH=ON >/dev/null
 cmake --build build -j "$jobs" --target hostkit_bench
 build/bench/hostkit_bench --benchmark_min_time=0.01
 
-cmake -S . -B build-asan -G Ninja -DHOSTKIT_SANITIZE=ON
+cmake -S . -B build-asan -G Ninja -DHOSTKIT_WERROR=ON -DHOSTKIT_SANITIZE=ON
 cmake --build build-asan -j "$jobs"
 ctest --test-dir build-asan --output-on-failure -j "$jobs"
 

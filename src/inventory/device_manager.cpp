@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "foundation/service_state.h"
@@ -24,9 +25,10 @@ constexpr std::array<const char*, 6> kUsbServices = {"usbd",    "uhcd",    "open
                                                      "usbuhci", "usbohci", "usbehci"};
 
 bool IsUsbClass(const std::string& deviceClass) {
-  return std::equal(deviceClass.begin(), deviceClass.end(), "usb", "usb" + 3, [](char a, char b) {
-    return std::tolower(static_cast<unsigned char>(a)) == b;
-  });
+  constexpr std::string_view kUsb = "usb";
+  return std::equal(
+      deviceClass.begin(), deviceClass.end(), kUsb.begin(), kUsb.end(),
+      [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; });
 }
 
 // Windows 9x: a device the Configuration Manager lists as present whose hardware key is of the
