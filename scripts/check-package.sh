@@ -78,6 +78,8 @@ else
 
   # The built-in machine's one network card made static by the installed tool, then switched
   # back to DHCP by each build of the example.
+  mkdir -p "$work/machine"
+
   "$prefix/bin/hostkit" adapter 0 static 192.168.1.50 255.255.255.0 192.168.1.1 \
     --save "$work/machine/static.json" >/dev/null
   for program in "$work/cmake/setup_dhcp" "$work/pkg-config/setup_dhcp"; do
@@ -87,8 +89,10 @@ else
     grep -q '^network card 00-0C-76-3A-5E-21, address 192\.168\.1\.50$' <<<"$output" ||
       fail "$program did not find the static card: $output"
     grep -q '^switched to DHCP$' <<<"$output" || fail "$program did not switch: $output"
-    grep -q 'Tcpip\\Parameters\]' "$work/drives/c/tcpip.reg" ||
+    # Windows XP writes the 5.00 format, in UTF-16.
+    iconv -f UTF-16 -t UTF-8 "$work/drives/c/tcpip.reg" | grep -q 'Tcpip\\Parameters\]' ||
       fail "$program wrote no backup of the TCP/IP settings"
+
   done
 fi
 echo "check-package: the installed package builds and runs the example (CMake and pkg-config)"

@@ -51,6 +51,9 @@ wine reg add 'HKCU\Software\Wine' /v Version /d winxp /f >/dev/null 2>&1
 
 # A program outside the library, linked against the import library only.
 bash scripts/check-consumer.sh || failed=1
+# The installed package: the example built against it with CMake and pkg-config, run under Wine.
+bash scripts/check-package.sh --windows || failed=1
+
 wineserver --wait
 
 printf '%s\n' "${summary[@]}"

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # The full check: installs what is missing, builds and runs every test, builds again with
 # AddressSanitizer and UndefinedBehaviorSanitizer (build-asan/) and runs the tests there, then
-# runs the Windows leg: the DLL and the same tests under Wine on each emulated release.
+# runs the Windows leg: the DLL and the same tests under Wine on each emulated release. After the
+# native tests it also checks the installed package (scripts/check-package.sh) and the API
+# reference (the docs target).
 # HOSTKIT_JOBS sets the number of parallel jobs (default 2).
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -11,6 +13,14 @@ bash scripts/install-deps.sh
 bash scripts/lint.sh
 bash scripts/build.sh
 ctest --test-dir build --output-on-failure -j "$jobs"
+# The installed package: the example built against it with CMake and pkg-config, and run.
+bash scripts/check-package.sh
+# The API reference, with no public member undocumented.
+cmake --build build --target docs
+# The library and tool as a packager builds them: Release with g++ and with clang++.
+bash scripts/check-build-types.sh
+
+
 
 # The benchmarks build and run once, as a smoke test: they measure and never judge a time.
 cmake -S . -B build -DHOSTKIT_BUILD_BENCH=ON >/dev/null

@@ -3,7 +3,7 @@
 // still uses the library's and the other library's names side by side.
 #define FALSE (0)
 #define TRUE (!FALSE)
-typedef int BOOL;
+typedef int BOOL;  // NOLINT(modernize-use-using): written as a C library writes it
 
 #include <hostkit/adapter_classification.h>
 #include <hostkit/broadband_tweak.h>
