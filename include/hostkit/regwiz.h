@@ -55,8 +55,9 @@ class HOSTKIT_API RegWiz {
   ///@}
 
   ///@{
-  /// Reads a text value (up to its first zero; the stored type is not checked). False, with
-  /// `value` emptied, when the key or the value is missing.
+  /// Reads a text value (up to its first zero; the stored type is not checked). False when the
+  /// key or the value is missing (a missing value also empties `value`).
+
   bool GetKeyVal(HKEY root, const char* path, const char* name, std::string& value);
   bool GetKeyVal(HKEY root, const WCHAR* path, const WCHAR* name, wstring& value);
   ///@}
