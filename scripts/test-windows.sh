@@ -4,7 +4,9 @@
 # emulates, in a Wine prefix of its own inside the build tree. Prints one line per release:
 #   win98: 212 passed, 0 failed, 9 skipped
 # and fails when any release has a failing test. It also checks the DLL's exports and runs a
-# program built against the installed headers and import library (scripts/check-consumer.sh).
+# program built against the installed headers and import library (scripts/check-consumer.sh),
+# and the example program built against the installed package (scripts/check-package.sh).
+
 # HOSTKIT_JOBS sets the number of parallel build jobs (default 2).
 set -euo pipefail
 cd "$(dirname "$0")/.."
