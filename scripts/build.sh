@@ -5,5 +5,5 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-cmake -S . -B build -G Ninja "$@"
+cmake -S . -B build -G Ninja -DHOSTKIT_WERROR=ON "$@"
 cmake --build build -j "${HOSTKIT_JOBS:-2}"

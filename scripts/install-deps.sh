@@ -8,7 +8,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build ccache g++ g++-multilib
   libboost1.81-dev libgtest-dev libgmock-dev nlohmann-json3-dev libcli11-dev libbenchmark-dev
-  clang-format clang-tidy
+  clang-format clang-tidy clang doxygen pkg-config
 )
 
 if [[ "${1:-}" == "--windows" ]]; then

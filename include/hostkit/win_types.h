@@ -1,9 +1,14 @@
-// The Win32 scalar and record types the public headers and the platform seam use.
-//
-// On Windows this is <windows.h>. Elsewhere it defines the same names with the same widths
-// (DWORD and LONG are 32 bits whatever `long` is), so that the code above the seam compiles
-// unchanged for the simulated machine.
+/// \file
+/// The Win32 scalar and record types the public headers and the platform seam use.
+///
+/// On Windows this is <windows.h>. Elsewhere it defines the same names with the same widths
+/// (DWORD and LONG are 32 bits whatever `long` is), so that the code above the seam compiles
+/// unchanged for the simulated machine. The names and values are those of the Win32 API and are
+/// documented there; TRUE, FALSE and BOOL are guarded as <windows.h> guards them, so a header
+/// of another library that defines them the same way may come first.
 #pragma once
+
+/// \cond WIN32_NAMES
 
 #include <cstdint>
 #include <string>
@@ -35,7 +40,11 @@ using DWORD = std::uint32_t;
 using LONG = std::int32_t;
 using ULONG = std::uint32_t;
 using UINT = unsigned int;
+// A consumer may have BOOL from another library first: as `typedef int BOOL` it repeats this
+// declaration harmlessly, as a macro for int it stands in for it.
+#ifndef BOOL
 using BOOL = int;
+#endif
 using BOOLEAN = BYTE;
 using CHAR = char;
 using WCHAR = char16_t;
@@ -60,8 +69,14 @@ using HMODULE = HINSTANCE;
 using FARPROC = LONG_PTR (*)();
 using PSID = void*;
 
-constexpr BOOL TRUE = 1;
-constexpr BOOL FALSE = 0;
+// Macros guarded as <windows.h> guards them, so that libraries defining them the same way
+// (glib: FALSE as (0), TRUE as (!FALSE)) may be included before or after this header.
+#ifndef FALSE
+#define FALSE 0
+#endif
+#ifndef TRUE
+#define TRUE 1
+#endif
 inline const HANDLE INVALID_HANDLE_VALUE = reinterpret_cast<HANDLE>(LONG_PTR{-1});
 
 // Predefined registry roots: the handle values Windows uses (sign-extended 32-bit constants).
@@ -424,7 +439,10 @@ using WCHAR = ::WCHAR;
 
 #endif  // _WIN32
 
+/// \endcond
+
 namespace Hostkit {
-// Wide text at the library's boundary: UTF-16 code units in both builds.
+/// Wide text at the library's boundary: UTF-16 code units in both builds (`wchar_t` on
+/// Windows, `char16_t` elsewhere).
 using wstring = std::basic_string<WCHAR>;
 }  // namespace Hostkit

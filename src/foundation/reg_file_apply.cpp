@@ -181,9 +181,22 @@ class Applier {
   wstring path_;
 };
 
+// The value name as the file writes it, "@" for the default value. Built by appending: GCC 12
+// at -O3 reports a false overlap (-Wrestrict) for `"\"" + temporary`, which inserts at the front.
+std::string ValueForMessage(const wstring& name) {
+  if (name.empty()) {
+    return "@";
+  }
+  std::string quoted = "\"";
+  quoted += Utf8ForMessage(name);
+  quoted += '"';
+  return quoted;
+}
+
 std::string DescribeFailure(const Operation& op, LONG result) {
   const std::string key = KeyForMessage(op.root, op.path);
-  const std::string value = op.name.empty() ? "@" : "\"" + Utf8ForMessage(op.name) + "\"";
+  const std::string value = ValueForMessage(op.name);
+
   std::string what;
   switch (op.kind) {
     case Operation::Kind::CreateKey:

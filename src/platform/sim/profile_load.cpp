@@ -123,19 +123,6 @@ constexpr const char* kFields[] = {
     "release",     "version",       "language", "ansiCodePage", "oemCodePage", "computerName",
     "environment", "administrator", "drives",   "modulePath",   "registry",
 };
-constexpr const char* kVersionFields[] = {
-    "major",
-    "minor",
-    "build",
-    "platform",
-    "csd",
-    "servicePackMajor",
-    "servicePackMinor",
-    "suiteMask",
-    "productType",
-    "answers",
-    "acceptsExtended",
-};
 
 template <size_t N>
 bool IsOneOf(const std::string& key, const char* const (&names)[N]) {
