@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages the build and the tests need; with --windows also those of the
+# Installs the Debian 12 packages the build and the tests need (clang and its runtime libraries
+# for the fuzz targets among them); with --windows also those of the
 # Windows leg (mingw-w64 and Wine). Only missing packages are installed, so running it again
 # changes nothing.
 set -euo pipefail
@@ -8,6 +9,7 @@ packages=(
   cmake ninja-build ccache g++
   libboost1.81-dev libgtest-dev libgmock-dev nlohmann-json3-dev libcli11-dev libbenchmark-dev
   clang-format clang-tidy
+  clang libclang-rt-14-dev
 )
 
 if [[ "${1:-}" == "--windows" ]]; then

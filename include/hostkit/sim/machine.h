@@ -255,6 +255,35 @@ class HOSTKIT_API WindowTree {
   std::uintptr_t nextHandle_ = 0x10010;
 };
 
+// Makes one call of a family of seam calls fail as Windows fails it, so that a test can check
+// what the library does with each failure: the N-th call of the family counted from when the
+// plan is armed (from 1) fails with `error`; with `forever` every later call of the family
+// fails too. Registry calls answer the error as their result (ERROR_MORE_DATA only where a
+// buffer is filled, with a size larger than the one given, as when the data keeps growing);
+// module loads, device control requests and file opens fail with the error as the last error.
+enum class FaultFamily { Registry, ModuleLoad, DeviceControl, FileOpen };
+
+class HOSTKIT_API FaultInjection {
+ public:
+  void arm(FaultFamily family, std::uint64_t n, DWORD error, bool forever = false);
+  void disarm();
+  // Counts a call of `family`; true when it must fail, with the error to answer.
+  bool failNow(FaultFamily family, DWORD& error);
+  // Calls of the armed family counted since it was armed, and whether any of them failed.
+  std::uint64_t calls() const;
+  bool fired() const;
+
+ private:
+  mutable std::mutex mutex_;
+  bool armed_ = false;
+  FaultFamily family_ = FaultFamily::Registry;
+  std::uint64_t n_ = 0;
+  DWORD error_ = 0;
+  bool forever_ = false;
+  std::uint64_t calls_ = 0;
+  bool fired_ = false;
+};
+
 class RegistryStore;
 
 class HOSTKIT_API Machine {
@@ -304,6 +333,8 @@ class HOSTKIT_API Machine {
   LiveNetwork& liveNetwork() { return liveNetwork_; }
   // Command lines of the programs started so far, oldest first (they are not run).
   std::vector<std::string>& startedPrograms() { return startedPrograms_; }
+  // The failures planned for the seam's calls; none unless armed.
+  FaultInjection& faults() { return faults_; }
 
  private:
   MachineFacts facts_;
@@ -321,6 +352,7 @@ class HOSTKIT_API Machine {
   std::vector<DeviceRequest> deviceRequests_;
   LiveNetwork liveNetwork_;
   std::vector<std::string> startedPrograms_;
+  FaultInjection faults_;
 };
 
 // The machine the seam serves on the calling thread. Never null: before a host program
