@@ -36,8 +36,6 @@ using RegistrySource = std::function<bool(const std::string& entry, std::string&
 
 // The deepest nesting of objects and lists a profile may have.
 constexpr size_t kMaxDepth = 64;
-// The longest piece of input quoted in a message about invalid JSON.
-constexpr size_t kMaxQuoted = 40;
 
 int LineAt(const std::string& text, size_t offset) {
   offset = std::min(offset, text.size());
@@ -93,16 +91,22 @@ class TreeBuilder : public nlohmann::detail::json_sax_dom_parser<Json> {
     return false;
   }
 
-  size_t position() const { return position_; }
+  // The offset of the character at fault; past the end when the text ended too early.
+  size_t offset() const { return position_ > 0 ? position_ - 1 : 0; }
   // What is wrong, in the loader's words.
-  std::string what() const {
-    std::string quoted = token_.substr(0, kMaxQuoted);
-    quoted += token_.size() > kMaxQuoted ? "..." : "";
+  std::string what(const std::string& text) const {
     if (overflow_) {
-      return "number " + quoted + " is out of range";
+      constexpr size_t kShown = 40;
+      return "number " + token_.substr(0, kShown) + (token_.size() > kShown ? "..." : "") +
+             " is out of range";
     }
-    return token_.empty() ? "invalid JSON: the text ends too early"
-                          : "invalid JSON at \"" + quoted + "\"";
+    const size_t at = offset();
+    if (at >= text.size()) {
+      return "invalid JSON: the text ends too early";
+    }
+    const size_t lineStart = at == 0 ? std::string::npos : text.rfind('\n', at - 1);
+    const size_t column = lineStart == std::string::npos ? at + 1 : at - lineStart;
+    return "invalid JSON at column " + std::to_string(column);
   }
 
  private:
@@ -465,8 +469,7 @@ std::shared_ptr<Machine> ProfileReader::Read(const RegistrySource& registry,
   Json root;
   TreeBuilder builder(root);
   if (!Json::sax_parse(text_, &builder, Json::input_format_t::json, true, true)) {
-    const size_t position = builder.position();
-    error = ErrorLine(name_, LineAt(text_, position > 0 ? position - 1 : 0), builder.what());
+    error = ErrorLine(name_, LineAt(text_, builder.offset()), builder.what(text_));
     return nullptr;
   }
   bool ok = root.is_object() || Fail({}, "the profile must be a JSON object");
