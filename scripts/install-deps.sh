@@ -1,18 +1,19 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages the build and the tests need (with g++-multilib for the 32-bit
-# native build); with --windows also those of the Windows leg (mingw-w64 for i686 and x86-64 in
-# the Win32 thread model, Wine, zip for the release bundle). Only missing packages are installed,
-# so running it again changes nothing.
+# Installs the Debian 12 packages the build and the tests need (g++-multilib for the 32-bit
+# native build, clang and its runtime libraries for the second compiler and the fuzz targets,
+# doxygen for the API reference); with --windows also those of the Windows leg (mingw-w64 for
+# i686 in the Win32 thread model and for x86-64, Wine, zip for the release bundle). Only missing
+# packages are installed, so running it again changes nothing.
 set -euo pipefail
 
 packages=(
   cmake ninja-build ccache g++ g++-multilib
   libboost1.81-dev libgtest-dev libgmock-dev nlohmann-json3-dev libcli11-dev libbenchmark-dev
-  clang-format clang-tidy clang doxygen pkg-config
+  clang-format clang-tidy clang libclang-rt-14-dev doxygen pkg-config
 )
 
 if [[ "${1:-}" == "--windows" ]]; then
-  packages+=(g++-mingw-w64-i686-win32 g++-mingw-w64-x86-64-win32 wine wine64 googletest xvfb
+  packages+=(g++-mingw-w64-i686-win32 g++-mingw-w64-x86-64-posix wine wine64 googletest xvfb
     iproute2 zip)
 fi
 

@@ -215,7 +215,7 @@ TEST_F(Profiles, TextProfilesTakeTheirRegistryFilesFromMemory) {
   EXPECT_EQ(OS().Type(), OS::TYPE_WIN2000);
 
   EXPECT_EQ(LoadMachineProfileText(profile, "mem.json", {}, {}, error), nullptr);
-  EXPECT_EQ(error, "mem.json:2: cannot read registry file \"a.reg\"");
+  EXPECT_EQ(error, "mem.json:2: cannot read registry file \"a.reg\": the file does not exist");
 }
 
 struct BadProfile {

@@ -7,6 +7,7 @@
 // machine and a real registry.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,11 @@
 namespace Hostkit::regfile {
 
 using wstring_view = std::basic_string_view<WCHAR>;
+
+// The largest registry file read, and the longest key name (between backslashes) a file may
+// hold, in characters.
+constexpr size_t kMaxFileBytes = size_t{64} << 20;
+constexpr size_t kMaxKeyNameLength = 255;
 
 // How the data bytes of an operation are encoded, which decides what the applier converts
 // when the target stores the other kind of text.

@@ -3,6 +3,7 @@
 // The wide calls are tried first. A registry that answers them with ERROR_CALL_NOT_IMPLEMENTED
 // (Windows 9x) gets the rest of the file through the narrow calls, with names and text data
 // converted to its ANSI code page.
+#include "foundation/error_line.h"
 #include "foundation/reg_file.h"
 #include "foundation/reg_file_text.h"
 #include "foundation/registry_calls.h"
@@ -233,13 +234,14 @@ bool ApplyRegFile(const std::vector<Operation>& operations, const std::string& f
         result = narrow.Apply(op);
       }
       if (result != ERROR_SUCCESS) {
-        error = fileName + ":" + std::to_string(op.line) + ": " + DescribeFailure(op, result);
+        error = ErrorLine(fileName, op.line, DescribeFailure(op, result));
         return false;
       }
     }
     return true;
-  } catch (const std::exception& e) {
-    error = fileName + ": " + e.what();
+  } catch (const std::exception&) {
+    error = ErrorLine(fileName, operations.empty() ? 1 : operations.front().line,
+                      "not enough memory to apply the file");
     return false;
   }
 }

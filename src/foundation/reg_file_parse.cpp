@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "foundation/error_line.h"
 #include "foundation/reg_file.h"
 #include "foundation/reg_file_text.h"
 
@@ -28,6 +29,27 @@ std::optional<unsigned> HexDigit(WCHAR c) {
   }
   if (c >= u'A' && c <= u'F') {
     return static_cast<unsigned>(c - u'A' + 10);
+  }
+  return std::nullopt;
+}
+
+// The longest key path the registry holds, in names below the root.
+constexpr size_t kMaxKeyDepth = 512;
+
+// Whether a name of the path is longer than a key name can be, or the path has more names
+// than the registry nests.
+std::optional<std::string> KeyPathLimitBroken(wstring_view path) {
+  size_t names = 0;
+  for (size_t start = 0; start < path.size();) {
+    size_t end = path.find(u'\\', start);
+    end = end == wstring_view::npos ? path.size() : end;
+    if (end - start > kMaxKeyNameLength) {
+      return "a key name is longer than " + std::to_string(kMaxKeyNameLength) + " characters";
+    }
+    if (++names > kMaxKeyDepth) {
+      return "the key path has more than " + std::to_string(kMaxKeyDepth) + " levels";
+    }
+    start = end + 1;
   }
   return std::nullopt;
 }
@@ -95,7 +117,7 @@ class Parser {
 };
 
 bool Parser::Fail(const std::string& what, int line) {
-  error_ = fileName_ + ":" + std::to_string(line > 0 ? line : line_) + ": " + what;
+  error_ = ErrorLine(fileName_, line > 0 ? line : line_, what);
   return false;
 }
 
@@ -233,6 +255,9 @@ bool Parser::ParseKeyLine() {
   }
   if (remove && path->empty()) {
     return Fail("a root key cannot be deleted");
+  }
+  if (const auto broken = KeyPathLimitBroken(*path)) {
+    return Fail(*broken);
   }
 
   Operation op;
@@ -475,7 +500,7 @@ bool DecodeFile(std::string_view bytes, const std::string& fileName, wstring& te
              static_cast<BYTE>(bytes[1]) == 0xFE;
   if (!version5) {
     if (!AnsiToWide(bytes, text)) {
-      error = fileName + ":1: the file is not text in the machine's ANSI code page";
+      error = ErrorLine(fileName, 1, "the file is not text in the machine's ANSI code page");
       return false;
     }
     return true;
@@ -494,7 +519,7 @@ bool DecodeFile(std::string_view bytes, const std::string& fileName, wstring& te
         ++lines;
       }
     }
-    error = fileName + ":" + std::to_string(lines) + ": UTF-16 text ends in half a character";
+    error = ErrorLine(fileName, lines, "UTF-16 text ends in half a character");
     return false;
   }
   return true;
@@ -505,6 +530,10 @@ bool DecodeFile(std::string_view bytes, const std::string& fileName, wstring& te
 bool ParseRegFile(std::string_view bytes, const std::string& fileName,
                   std::vector<Operation>& operations, std::string& error) {
   try {
+    if (bytes.size() > kMaxFileBytes) {
+      error = ErrorLine(fileName, 1, FileTooLarge(kMaxFileBytes));
+      return false;
+    }
     wstring text;
     bool version5 = false;
     if (!DecodeFile(bytes, fileName, text, version5, error)) {
@@ -512,8 +541,8 @@ bool ParseRegFile(std::string_view bytes, const std::string& fileName,
     }
     Parser parser(text, fileName, version5);
     return parser.Run(operations, error);
-  } catch (const std::exception& e) {
-    error = fileName + ":1: " + e.what();
+  } catch (const std::exception&) {
+    error = ErrorLine(fileName, 1, "not enough memory to read the file");
     return false;
   }
 }

@@ -317,22 +317,22 @@ class HOSTKIT_API WindowTree {
 };
 
 /// The state of a present device node as the Configuration Manager reports it (Windows 2000
-// and XP): its status flags, problem code and the name of its physical device object
-// ("\Device\00000042"), under which the resource map keeps its resources.
+/// and XP): its status flags, problem code and the name of its physical device object
+/// ("\Device\00000042"), under which the resource map keeps its resources.
 struct SimDevNode {
   DWORD status = 0x0180200A;  // started, driver loaded, enumerated, in the device tree
   DWORD problem = 0;
   std::string deviceObject;
 };
 
-// A dial-up device Remote Access can use: its name and its type ("modem", "isdn", "vpn", ...).
+/// A dial-up device Remote Access can use: its name and its type ("modem", "isdn", "vpn", ...).
 struct SimRasDevice {
   std::string name;
   std::string type = "modem";
 };
 
-// A phonebook entry and what dialling it does: after `delayMs` of virtual time it connects
-// (`error` 0) or fails with the Remote Access error `error` (676 busy, 678 no answer, ...).
+/// A phonebook entry and what dialling it does: after `delayMs` of virtual time it connects
+/// (`error` 0) or fails with the Remote Access error `error` (676 busy, 678 no answer, ...).
 struct SimRasEntry {
   std::string areaCode;
   std::string phoneNumber;
@@ -343,8 +343,8 @@ struct SimRasEntry {
   DWORD error = 0;
 };
 
-// A call Remote Access made: ready at virtual time `readyAt` (nanoseconds), connected then
-// unless `error` says it failed.
+/// A call Remote Access made: ready at virtual time `readyAt` (nanoseconds), connected then
+/// unless `error` says it failed.
 struct SimRasConnection {
   HANDLE handle = nullptr;
   std::string entry;
@@ -353,11 +353,40 @@ struct SimRasConnection {
   DWORD error = 0;
 };
 
-// Remote Access on the machine: devices, the default phonebook and the calls not hung up.
+/// Remote Access on the machine: devices, the default phonebook and the calls not hung up.
 struct SimRas {
   std::vector<SimRasDevice> devices;
   std::map<std::string, SimRasEntry, NoCaseLess> entries;
   std::vector<SimRasConnection> connections;
+};
+
+/// Makes one call of a family of seam calls fail as Windows fails it, so that a test can check
+/// what the library does with each failure: the N-th call of the family counted from when the
+/// plan is armed (from 1) fails with `error`; with `forever` every later call of the family
+/// fails too. Registry calls answer the error as their result (ERROR_MORE_DATA only where a
+/// buffer is filled, with a size larger than the one given, as when the data keeps growing);
+/// module loads, device control requests and file opens fail with the error as the last error.
+enum class FaultFamily { Registry, ModuleLoad, DeviceControl, FileOpen };
+
+class HOSTKIT_API FaultInjection {
+ public:
+  void arm(FaultFamily family, std::uint64_t n, DWORD error, bool forever = false);
+  void disarm();
+  /// Counts a call of `family`; true when it must fail, with the error to answer.
+  bool failNow(FaultFamily family, DWORD& error);
+  /// Calls of the armed family counted since it was armed, and whether any of them failed.
+  std::uint64_t calls() const;
+  bool fired() const;
+
+ private:
+  mutable std::mutex mutex_;
+  bool armed_ = false;
+  FaultFamily family_ = FaultFamily::Registry;
+  std::uint64_t n_ = 0;
+  DWORD error_ = 0;
+  bool forever_ = false;
+  std::uint64_t calls_ = 0;
+  bool fired_ = false;
 };
 
 class RegistryStore;
@@ -428,6 +457,8 @@ class HOSTKIT_API Machine {
   LiveNetwork& liveNetwork() { return liveNetwork_; }
   /// Command lines of the programs started so far, oldest first (they are not run).
   std::vector<std::string>& startedPrograms() { return startedPrograms_; }
+  /// The failures planned for the seam's calls; none unless armed.
+  FaultInjection& faults() { return faults_; }
 
  private:
   MachineFacts facts_;
@@ -447,6 +478,7 @@ class HOSTKIT_API Machine {
   std::vector<DeviceRequest> deviceRequests_;
   LiveNetwork liveNetwork_;
   std::vector<std::string> startedPrograms_;
+  FaultInjection faults_;
 };
 
 /// The machine the seam serves on the calling thread. Never null: before a host program

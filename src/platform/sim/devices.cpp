@@ -184,6 +184,11 @@ HANDLE CreateFileA(const char* fileName, DWORD /*access*/, DWORD /*shareMode*/,
       return INVALID_HANDLE_VALUE;
     }
     auto machine = sim::ActiveMachine();
+    DWORD fault = ERROR_SUCCESS;
+    if (machine->faults().failNow(sim::FaultFamily::FileOpen, fault)) {
+      SetLastError(fault);
+      return INVALID_HANDLE_VALUE;
+    }
     if (sim::IsDhcpVxdName(*machine, name.substr(sim::kLocalDevicePrefix.size()))) {
       HANDLE vxd = sim::AddHandle(std::make_shared<sim::DhcpVxdObject>(machine));
       if (vxd == nullptr) {
@@ -224,6 +229,10 @@ BOOL DeviceIoControl(HANDLE device, DWORD controlCode, void* inBuffer, DWORD inS
     DWORD ignored = 0;
     DWORD& returned = bytesReturned != nullptr ? *bytesReturned : ignored;
     returned = 0;
+    DWORD fault = ERROR_SUCCESS;
+    if (sim::ActiveMachine()->faults().failNow(sim::FaultFamily::DeviceControl, fault)) {
+      return sim::Fail(fault);
+    }
     if (auto vxd = sim::FindHandleAs<sim::DhcpVxdObject>(device)) {
       return sim::DhcpVxdRequest(*vxd, controlCode, inBuffer, inSize, outBuffer, outSize, returned);
     }

@@ -32,6 +32,11 @@ std::FILE* OpenWindowsPath(const std::optional<wstring>& path, const std::string
     Fail(EINVAL, ERROR_INVALID_PARAMETER);
     return nullptr;
   }
+  DWORD fault = ERROR_SUCCESS;
+  if (ActiveMachine()->faults().failNow(FaultFamily::FileOpen, fault)) {
+    Fail(fault == ERROR_ACCESS_DENIED ? EACCES : EIO, fault);
+    return nullptr;
+  }
   auto host = HostPath(ActiveMachine()->facts(), *path);
   if (!host) {
     Fail(ENOENT, ERROR_PATH_NOT_FOUND);

@@ -157,4 +157,44 @@ ScopedMachine::ScopedMachine(std::shared_ptr<Machine> machine)
 
 ScopedMachine::~ScopedMachine() { threadMachine = std::move(previous_); }
 
+void FaultInjection::arm(FaultFamily family, std::uint64_t n, DWORD error, bool forever) {
+  std::lock_guard lock(mutex_);
+  armed_ = true;
+  family_ = family;
+  n_ = n;
+  error_ = error;
+  forever_ = forever;
+  calls_ = 0;
+  fired_ = false;
+}
+
+void FaultInjection::disarm() {
+  std::lock_guard lock(mutex_);
+  armed_ = false;
+}
+
+bool FaultInjection::failNow(FaultFamily family, DWORD& error) {
+  std::lock_guard lock(mutex_);
+  if (!armed_ || family != family_) {
+    return false;
+  }
+  ++calls_;
+  if (calls_ == n_ || (forever_ && calls_ > n_)) {
+    fired_ = true;
+    error = error_;
+    return true;
+  }
+  return false;
+}
+
+std::uint64_t FaultInjection::calls() const {
+  std::lock_guard lock(mutex_);
+  return calls_;
+}
+
+bool FaultInjection::fired() const {
+  std::lock_guard lock(mutex_);
+  return fired_;
+}
+
 }  // namespace Hostkit::sim

@@ -106,6 +106,11 @@ HMODULE LoadLibraryA(const char* fileName) {
   }
   try {
     auto machine = sim::ActiveMachine();
+    DWORD fault = ERROR_SUCCESS;
+    if (machine->faults().failNow(sim::FaultFamily::ModuleLoad, fault)) {
+      SetLastError(fault);
+      return nullptr;
+    }
     auto module = machine->modules().find(sim::ModuleFileName(fileName));
     if (module == machine->modules().end()) {
       SetLastError(ERROR_MOD_NOT_FOUND);

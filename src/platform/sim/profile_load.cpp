@@ -2,7 +2,8 @@
 //
 // nlohmann-json does not keep the positions of what it parsed, so a field found to be wrong
 // after parsing is located again in the text: the line of its key, searched for along the
-// chain of its parent keys.
+// chain of its parent keys. Every message is the loader's own: nlohmann's texts never reach
+// the user.
 #include <algorithm>
 #include <cstdint>
 #include <functional>
@@ -11,6 +12,8 @@
 #include <optional>
 #include <vector>
 
+#include "foundation/error_line.h"
+#include "foundation/reg_file.h"
 #include "hostkit/sim/profile.h"
 #include "platform/sim/profile_devices.h"
 #include "platform/sim/profile_hardware.h"
@@ -27,14 +30,90 @@ using Json = nlohmann::json;
 using KeyPath = std::vector<std::string>;
 
 // Bytes of a registry file named by the profile, and the name to report it by; false when it
-// cannot be read.
-using RegistrySource =
-    std::function<bool(const std::string& entry, std::string& bytes, std::string& name)>;
+// cannot be read, with `what` saying why.
+using RegistrySource = std::function<bool(const std::string& entry, std::string& bytes,
+                                          std::string& name, std::string& what)>;
+
+// The deepest nesting of objects and lists a profile may have.
+constexpr size_t kMaxDepth = 64;
 
 int LineAt(const std::string& text, size_t offset) {
   offset = std::min(offset, text.size());
   return 1 + static_cast<int>(std::count(text.begin(), text.begin() + offset, '\n'));
 }
+
+// The text of a JSON string literal (quotes included), its escapes decoded when it has any.
+std::string StringAt(const std::string& literal, bool escaped) {
+  if (escaped) {
+    const Json decoded = Json::parse(literal, nullptr, false);
+    if (decoded.is_string()) {
+      return decoded.get<std::string>();
+    }
+  }
+  return literal.size() >= 2 ? literal.substr(1, literal.size() - 2) : std::string();
+}
+
+// The offset of the first "{" or "[" nested deeper than `limit`, outside strings and comments.
+std::optional<size_t> TooDeep(const std::string& text, size_t limit) {
+  size_t depth = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == '"') {
+      for (++i; i < text.size() && text[i] != '"'; ++i) {
+        i += text[i] == '\\' ? 1 : 0;
+      }
+    } else if (c == '/' && i + 1 < text.size() && (text[i + 1] == '/' || text[i + 1] == '*')) {
+      const bool line = text[i + 1] == '/';
+      const size_t end = text.find(line ? "\n" : "*/", i + 2);
+      i = end == std::string::npos ? text.size() : end + (line ? 0 : 1);
+    } else if (c == '{' || c == '[') {
+      if (++depth > limit) {
+        return i;
+      }
+    } else if ((c == '}' || c == ']') && depth > 0) {
+      --depth;
+    }
+  }
+  return std::nullopt;
+}
+
+// nlohmann's tree builder, keeping where and why parsing stopped instead of throwing.
+class TreeBuilder : public nlohmann::detail::json_sax_dom_parser<Json> {
+ public:
+  explicit TreeBuilder(Json& root) : json_sax_dom_parser(root, false) {}
+
+  // Called by nlohmann's parser through the builder's static type, in place of the base's.
+  bool parse_error(std::size_t position, const std::string& token,
+                   const nlohmann::detail::exception& e) {
+    position_ = position;
+    token_ = token;
+    overflow_ = e.id == 406;
+    return false;
+  }
+
+  // The offset of the character at fault; past the end when the text ended too early.
+  size_t offset() const { return position_ > 0 ? position_ - 1 : 0; }
+  // What is wrong, in the loader's words.
+  std::string what(const std::string& text) const {
+    if (overflow_) {
+      constexpr size_t kShown = 40;
+      return "number " + token_.substr(0, kShown) + (token_.size() > kShown ? "..." : "") +
+             " is out of range";
+    }
+    const size_t at = offset();
+    if (at >= text.size()) {
+      return "invalid JSON: the text ends too early";
+    }
+    const size_t lineStart = at == 0 ? std::string::npos : text.rfind('\n', at - 1);
+    const size_t column = lineStart == std::string::npos ? at + 1 : at - lineStart;
+    return "invalid JSON at column " + std::to_string(column);
+  }
+
+ private:
+  size_t position_ = 0;
+  std::string token_;
+  bool overflow_ = false;
+};
 
 // Where the member `keys` (a chain of keys from the top-level object, an element of a list named
 // by its number from "0") is written in the JSON text: a scan that follows strings, comments and
@@ -50,16 +129,15 @@ std::optional<size_t> FindKey(const std::string& text, const KeyPath& keys) {
     const char c = text[i];
     if (c == '"') {
       lastStart = i;
-      lastString.clear();
+      bool escaped = false;
       for (++i; i < text.size() && text[i] != '"'; ++i) {
         if (text[i] == '\\') {
-          ++i;  // the escaped character, without its backslash
-        }
-        if (i < text.size()) {
-          lastString += text[i];
+          escaped = true;
+          ++i;  // the escaped character
         }
       }
       ++i;
+      lastString = StringAt(text.substr(lastStart, i - lastStart), escaped);
       afterString = true;
       continue;
     }
@@ -111,14 +189,6 @@ int LineOfKey(const std::string& text, KeyPath keys) {
   return 1;
 }
 
-// "syntax error while parsing ..." out of nlohmann's "[json.exception...] parse error at line
-// L, column C: syntax error while parsing ...".
-std::string ParseErrorText(const std::string& what) {
-  const size_t column = what.find("column ");
-  const size_t colon = column == std::string::npos ? column : what.find(": ", column);
-  return colon == std::string::npos ? what : what.substr(colon + 2);
-}
-
 constexpr const char* kFields[] = {
     "release",     "version",       "language", "ansiCodePage", "oemCodePage", "computerName",
     "environment", "administrator", "drives",   "modulePath",   "registry",
@@ -138,7 +208,7 @@ class ProfileReader {
 
  private:
   bool Fail(const KeyPath& keys, const std::string& what) {
-    error_ = name_ + ":" + std::to_string(LineOfKey(text_, keys)) + ": " + what;
+    error_ = ErrorLine(name_, LineOfKey(text_, keys), what);
     return false;
   }
   bool FailType(const KeyPath& keys, const std::string& expected) {
@@ -314,8 +384,9 @@ bool ProfileReader::ReadRegistry(const Json& value, const RegistrySource& regist
   for (const std::string& entry : entries) {
     std::string bytes;
     std::string fileName;
-    if (!registry(entry, bytes, fileName)) {
-      return Fail({"registry"}, "cannot read registry file \"" + fileName + "\"");
+    std::string what;
+    if (!registry(entry, bytes, fileName, what)) {
+      return Fail({"registry"}, "cannot read registry file \"" + fileName + "\": " + what);
     }
     if (!ApplyRegistryBytes(*machine_, bytes, fileName, error_)) {
       return false;
@@ -377,12 +448,15 @@ bool ProfileReader::ReadField(const std::string& key, const Json& value,
 std::shared_ptr<Machine> ProfileReader::Read(const RegistrySource& registry,
                                              const std::filesystem::path& folder,
                                              std::string& error) {
+  if (const auto deep = TooDeep(text_, kMaxDepth)) {
+    error = ErrorLine(name_, LineAt(text_, *deep),
+                      "nested deeper than " + std::to_string(kMaxDepth) + " levels");
+    return nullptr;
+  }
   Json root;
-  try {
-    root = Json::parse(text_, nullptr, true, true);
-  } catch (const Json::parse_error& e) {
-    error = name_ + ":" + std::to_string(LineAt(text_, e.byte > 0 ? e.byte - 1 : 0)) +
-            ": invalid JSON: " + ParseErrorText(e.what());
+  TreeBuilder builder(root);
+  if (!Json::sax_parse(text_, &builder, Json::input_format_t::json, true, true)) {
+    error = ErrorLine(name_, LineAt(text_, builder.offset()), builder.what(text_));
     return nullptr;
   }
   bool ok = root.is_object() || Fail({}, "the profile must be a JSON object");
@@ -416,21 +490,22 @@ std::shared_ptr<Machine> ProfileReader::Read(const RegistrySource& registry,
 std::shared_ptr<Machine> LoadMachineProfile(const std::filesystem::path& file, std::string& error) {
   try {
     std::string text;
-    if (!ReadWholeFile(file, text)) {
-      error = file.string() + ": cannot read the file";
+    std::string what;
+    if (!ReadWholeFile(file, kMaxProfileBytes, text, what)) {
+      error = ErrorLine(file.string(), 1, what);
       return nullptr;
     }
     const std::filesystem::path folder = file.parent_path();
     const RegistrySource fromFolder = [&folder](const std::string& entry, std::string& bytes,
-                                                std::string& name) {
+                                                std::string& name, std::string& what) {
       const std::filesystem::path path = folder / std::filesystem::path(entry);
       name = path.string();
-      return ReadWholeFile(path, bytes);
+      return ReadWholeFile(path, regfile::kMaxFileBytes, bytes, what);
     };
     ProfileReader reader(text, file.string());
     return reader.Read(fromFolder, folder, error);
-  } catch (const std::exception& e) {
-    error = file.string() + ": " + e.what();
+  } catch (const std::exception&) {
+    error = ErrorLine(file.string(), 1, "not enough memory to load the profile");
     return nullptr;
   }
 }
@@ -441,19 +516,24 @@ std::shared_ptr<Machine> LoadMachineProfileText(
     std::string& error) {
   try {
     const RegistrySource fromMap = [&registryFiles](const std::string& entry, std::string& bytes,
-                                                    std::string& fileName) {
+                                                    std::string& fileName, std::string& what) {
       fileName = entry;
       const auto it = registryFiles.find(entry);
       if (it == registryFiles.end()) {
+        what = "the file does not exist";
         return false;
       }
       bytes = it->second;
       return true;
     };
+    if (text.size() > kMaxProfileBytes) {
+      error = ErrorLine(name, 1, FileTooLarge(kMaxProfileBytes));
+      return nullptr;
+    }
     ProfileReader reader(text, name);
     return reader.Read(fromMap, folder, error);
-  } catch (const std::exception& e) {
-    error = name + ": " + e.what();
+  } catch (const std::exception&) {
+    error = ErrorLine(name, 1, "not enough memory to load the profile");
     return nullptr;
   }
 }

@@ -5,9 +5,9 @@
 #include <cctype>
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <vector>
 
+#include "foundation/error_line.h"
 #include "foundation/reg_file.h"
 #include "hostkit/sim/profile.h"
 #include "platform/sim/registry_store.h"
@@ -19,13 +19,43 @@ std::shared_ptr<Machine> Unowned(Machine& machine) {
   return std::shared_ptr<Machine>(std::shared_ptr<Machine>(), &machine);
 }
 
-bool ReadWholeFile(const std::filesystem::path& file, std::string& bytes) {
-  std::ifstream in(file, std::ios::binary);
-  if (!in) {
+bool ReadWholeFile(const std::filesystem::path& file, size_t limit, std::string& bytes,
+                   std::string& what) {
+  std::error_code error;
+  const auto status = std::filesystem::status(file, error);
+  if (!std::filesystem::exists(status)) {
+    what = "the file does not exist";
     return false;
   }
-  bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  return !in.bad();
+  if (std::filesystem::is_directory(status)) {
+    what = "the file is a folder";
+    return false;
+  }
+  if (!std::filesystem::is_regular_file(status)) {
+    what = "the file is not a regular file";
+    return false;
+  }
+  // Read in pieces up to the limit: the size on disk may change while the file is read.
+  if (std::filesystem::file_size(file, error) > limit) {
+    what = FileTooLarge(limit);
+    return false;
+  }
+  std::ifstream in(file, std::ios::binary);
+  bytes.clear();
+  std::vector<char> piece(size_t{1} << 16);
+  while (in) {
+    in.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+    bytes.append(piece.data(), static_cast<size_t>(in.gcount()));
+    if (bytes.size() > limit) {
+      what = FileTooLarge(limit);
+      return false;
+    }
+  }
+  if (in.bad() || !in.eof()) {
+    what = "the file cannot be read";
+    return false;
+  }
+  return true;
 }
 
 bool ApplyRegistryBytes(Machine& machine, std::string_view bytes, const std::string& name,
@@ -35,9 +65,9 @@ bool ApplyRegistryBytes(Machine& machine, std::string_view bytes, const std::str
   if (!regfile::ParseRegFile(bytes, name, operations, error)) {
     return false;
   }
-  const RegistrySnapshot before = machine.registry().snapshot();
+  const RegistryCheckpoint before = machine.registry().checkpoint();
   if (!regfile::ApplyRegFile(operations, name, error)) {
-    machine.registry().restore(before);
+    machine.registry().rollBack(before);
     return false;
   }
   return true;
@@ -72,13 +102,14 @@ bool AnsiToUtf8(const Machine& machine, const std::string& ansi, std::string& ut
 bool ImportRegFile(Machine& machine, const std::filesystem::path& file, std::string& error) {
   try {
     std::string bytes;
-    if (!ReadWholeFile(file, bytes)) {
-      error = file.string() + ": cannot read the file";
+    std::string what;
+    if (!ReadWholeFile(file, regfile::kMaxFileBytes, bytes, what)) {
+      error = ErrorLine(file.string(), 1, what);
       return false;
     }
     return ApplyRegistryBytes(machine, bytes, file.string(), error);
-  } catch (const std::exception& e) {
-    error = file.string() + ": " + e.what();
+  } catch (const std::exception&) {
+    error = ErrorLine(file.string(), 1, "not enough memory to import the file");
     return false;
   }
 }

@@ -1,6 +1,7 @@
 // Pieces shared by loading and saving machine profiles.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -14,8 +15,13 @@ namespace Hostkit::sim {
 // A shared pointer to `machine` that does not own it, for ScopedMachine.
 std::shared_ptr<Machine> Unowned(Machine& machine);
 
-// The whole content of a file; false when it cannot be read.
-bool ReadWholeFile(const std::filesystem::path& file, std::string& bytes);
+// The largest profile read.
+constexpr size_t kMaxProfileBytes = size_t{16} << 20;
+
+// The whole content of a regular file of at most `limit` bytes; false when there is none, with
+// `what` saying why ("the file is a folder", ...).
+bool ReadWholeFile(const std::filesystem::path& file, size_t limit, std::string& bytes,
+                   std::string& what);
 
 // Parses a registry file (converting REGEDIT4 text with the machine's ANSI code page) and
 // applies it to `machine`. On any error the machine's registry is left as it was and `error`

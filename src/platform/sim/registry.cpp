@@ -40,9 +40,13 @@ std::basic_string<Char> CallerName(const sim::Machine& machine, const std::u16st
   }
 }
 
+// Set while a call runs that a planned ERROR_MORE_DATA failure hit: the data and name it
+// delivers do not fit, whatever the buffer.
+thread_local bool tOutgrown = false;
+
 // Runs `call` on the active machine. No exception leaves a registry call: running out of
 // memory is a result like any other. Windows 9x answers every wide call as a stub does,
-// before looking at any argument.
+// before looking at any argument; the other calls may meet a planned failure.
 template <class Char, class Call>
 LONG OnActiveMachine(Call&& call) {
   try {
@@ -50,8 +54,16 @@ LONG OnActiveMachine(Call&& call) {
     if (kWidth<Char> == CharWidth::Wide && machine->isWin9x()) {
       return ERROR_CALL_NOT_IMPLEMENTED;
     }
-    return call(*machine);
+    DWORD fault = ERROR_SUCCESS;
+    if (machine->faults().failNow(sim::FaultFamily::Registry, fault) && fault != ERROR_MORE_DATA) {
+      return static_cast<LONG>(fault);
+    }
+    tOutgrown = fault == ERROR_MORE_DATA;
+    const LONG result = call(*machine);
+    tOutgrown = false;
+    return result;
   } catch (...) {
+    tOutgrown = false;
     return ERROR_NOT_ENOUGH_MEMORY;
   }
 }
@@ -72,6 +84,10 @@ LONG DeliverData(const sim::ValueRead& value, DWORD* type, BYTE* data, DWORD* si
     }
     return ERROR_SUCCESS;
   }
+  if (tOutgrown) {
+    *size = std::max(*size, needed) + 2;  // the data grew since the caller asked its size
+    return ERROR_MORE_DATA;
+  }
   if (*size < needed) {
     *size = needed;
     return ERROR_MORE_DATA;
@@ -88,7 +104,7 @@ LONG DeliverData(const sim::ValueRead& value, DWORD* type, BYTE* data, DWORD* si
 // hold the name and its terminator.
 template <class Char>
 LONG DeliverName(const std::basic_string<Char>& name, Char* buffer, DWORD* size) {
-  if (name.size() >= *size) {
+  if (tOutgrown || name.size() >= *size) {
     return ERROR_MORE_DATA;
   }
   std::copy(name.begin(), name.end(), buffer);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <unordered_set>
 #include <utility>
 
 #include "hostkit/sim/machine.h"
@@ -522,6 +523,46 @@ void RegistryStore::restore(const RegistrySnapshot& snapshot) {
     DetachAllBelow(*root);
     root->values.clear();
     Fill(*root, *copy);
+  }
+}
+
+RegistryCheckpoint RegistryStore::checkpoint() const {
+  std::lock_guard lock(mutex_);
+  RegistryCheckpoint checkpoint;
+  std::vector<std::shared_ptr<RegistryNode>> pending{localMachine_, users_, dynData_};
+  while (!pending.empty()) {
+    std::shared_ptr<RegistryNode> node = std::move(pending.back());
+    pending.pop_back();
+    pending.insert(pending.end(), node->subkeys.begin(), node->subkeys.end());
+    checkpoint.keys.push_back({node, node->parent, node->values, node->subkeys, node->deleted});
+  }
+  return checkpoint;
+}
+
+void RegistryStore::rollBack(const RegistryCheckpoint& checkpoint) {
+  std::lock_guard lock(mutex_);
+  std::unordered_set<const RegistryNode*> kept;
+  for (const auto& key : checkpoint.keys) {
+    kept.insert(key.node.get());
+  }
+  // Keys made since the checkpoint answer ERROR_KEY_DELETED to the handles opened on them.
+  std::vector<RegistryNode*> pending{localMachine_.get(), users_.get(), dynData_.get()};
+  while (!pending.empty()) {
+    RegistryNode* node = pending.back();
+    pending.pop_back();
+    for (const auto& child : node->subkeys) {
+      if (kept.count(child.get()) != 0) {
+        pending.push_back(child.get());
+      } else {
+        MarkDeleted(*child);
+      }
+    }
+  }
+  for (const auto& key : checkpoint.keys) {
+    key.node->parent = key.parent;
+    key.node->values = key.values;
+    key.node->subkeys = key.subkeys;
+    key.node->deleted = key.deleted;
   }
 }
 

@@ -82,6 +82,19 @@ struct RegistrySnapshot {
   bool operator==(const RegistrySnapshot&) const = default;
 };
 
+// Every key object of the registry with its contents at one moment, so that the registry can
+// be put back in place: the same objects, so that handles opened before stay valid.
+struct RegistryCheckpoint {
+  struct Key {
+    std::shared_ptr<RegistryNode> node;
+    RegistryNode* parent = nullptr;
+    std::vector<ValueSnapshot> values;
+    std::vector<std::shared_ptr<RegistryNode>> subkeys;
+    bool deleted = false;
+  };
+  std::vector<Key> keys;
+};
+
 class RegistryStore {
  public:
   // The store asks `owner` for its family and ANSI code page at each call, so both may change
@@ -116,6 +129,12 @@ class RegistryStore {
   // ERROR_KEY_DELETED from then on. With snapshot() this also clones one machine's registry
   // into another.
   void restore(const RegistrySnapshot& snapshot);
+
+  // The registry's keys as they are now, and the registry put back to them: keys made since
+  // are deleted, keys deleted since come back as the objects they were, so that every handle
+  // opened before the checkpoint reaches its key again.
+  RegistryCheckpoint checkpoint() const;
+  void rollBack(const RegistryCheckpoint& checkpoint);
 
  private:
   // A key reached through a handle: the key and the rights the handle grants.
