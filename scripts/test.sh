@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The full check: installs what is missing, builds and runs every test, builds again with
-# AddressSanitizer and UndefinedBehaviorSanitizer (build-asan/) and runs the tests there, then
-# runs the Windows leg: the DLL and the same tests under Wine on each emulated release.
+# AddressSanitizer and UndefinedBehaviorSanitizer (build-asan/) and runs the tests there, runs the
+# concurrency tests under ThreadSanitizer (build-tsan/, scripts/test-tsan.sh), then runs the
+# Windows leg: the DLL and the same tests under Wine on each emulated release.
 # HOSTKIT_JOBS sets the number of parallel jobs (default 2).
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -20,5 +21,7 @@ build/bench/hostkit_bench --benchmark_min_time=0.01
 cmake -S . -B build-asan -G Ninja -DHOSTKIT_SANITIZE=ON
 cmake --build build-asan -j "$jobs"
 ctest --test-dir build-asan --output-on-failure -j "$jobs"
+
+bash scripts/test-tsan.sh
 
 bash scripts/test-windows.sh

@@ -128,6 +128,21 @@ TEST_P(DhcpReleaseRenewSim, AllGoesThroughEveryDhcpAdapterAndReportsAnyFailure) 
   EXPECT_EQ(Now(), start);  // nothing to wait for
 }
 
+// On a system of no known family (here one that reports Windows Vista) nothing is asked and
+// nothing waited for: every request fails at once.
+TEST_P(DhcpReleaseRenewSim, UnknownSystemFailsAtOnce) {
+  machine_->facts().version.major = 6;
+  machine_->facts().version.minor = 0;
+  machine_->facts().version.build = 6000;
+  const std::uint64_t start = Now();
+  EXPECT_FALSE(dhcp_.Release(kCard));
+  EXPECT_FALSE(dhcp_.Renew(kCard));
+  EXPECT_FALSE(dhcp_.ReleaseAll());
+  EXPECT_FALSE(dhcp_.RenewAll());
+  EXPECT_EQ(Now(), start);
+  EXPECT_TRUE(Requests().empty());
+}
+
 INSTANTIATE_TEST_SUITE_P(Releases, DhcpReleaseRenewSim,
                          testing::ValuesIn(hostkit_test::AllReleases()),
                          hostkit_test::ReleaseParamName);

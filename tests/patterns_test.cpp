@@ -178,5 +178,18 @@ TEST(Validators, HostAndDomainNamesNarrowAndWideAgree) {
   EXPECT_FALSE(IsValidDomainName(static_cast<const WCHAR*>(nullptr)));
 }
 
+// Only A-Z, a-z and 0-9 count, in both builds: accented and other alphabets' letters,
+// superscript, full-width and other scripts' digits are refused.
+TEST(Validators, NamesBeyondAsciiLettersAndDigitsAreRefused) {
+  for (const WCHAR* text : {HK_WIDE("caf\u00E9"), HK_WIDE("\u00B2"), HK_WIDE("\u0416"),
+                            HK_WIDE("\uFF21"), HK_WIDE("\u0661"), HK_WIDE("\u00C0bc")}) {
+    EXPECT_FALSE(IsValidHostName(text));
+    EXPECT_FALSE(IsValidDomainName((wstring(text) + HK_WIDE(".com")).c_str()));
+  }
+  EXPECT_FALSE(IsValidHostName("caf\xE9"));
+  EXPECT_FALSE(IsValidHostName("\xB2"));
+  EXPECT_TRUE(IsValidHostName(HK_WIDE("AZaz09")));
+}
+
 }  // namespace
 }  // namespace Hostkit

@@ -74,6 +74,9 @@ struct ProcessorFacts {
   DWORD mhz = 500;                      // the rate of the time-stamp counter
   bool hasCpuid = true;
   bool hasTimeStampCounter = true;
+  // Reading the time-stamp counter raises a processor fault, as where the system reserves the
+  // instruction for itself.
+  bool timeStampCounterFaults = false;
 };
 
 // A drive: its GetDriveTypeA answer (DRIVE_FIXED = 3, ...) and its size in bytes.
