@@ -215,7 +215,7 @@ TEST_P(RegWizTest, FailedReadsEmptyTheOutputInBothFormsOnEveryFamily) {
   wstring text = HK_WIDE("kept");
   std::vector<wstring> list = {HK_WIDE("kept")};
   EXPECT_FALSE(reg_.GetKeyVal(HKEY_CURRENT_USER, missingKey, HK_WIDE("a"), text));
-  EXPECT_EQ(text, HK_WIDE("kept"));
+  EXPECT_EQ(text, wstring(HK_WIDE("kept")));
   EXPECT_FALSE(reg_.GetMultiStringKeyVal(HKEY_CURRENT_USER, missingKey, HK_WIDE("a"), list));
   EXPECT_THAT(list, ElementsAre(HK_WIDE("kept")));
   std::string narrow = "kept";

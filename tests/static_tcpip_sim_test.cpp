@@ -181,17 +181,17 @@ TEST_P(StaticTcpipSetterFailures, RefusedDeletionFailsTheSwitchToStatic) {
   if (isWin9x()) {
     GTEST_SKIP() << "Windows 9x keeps no DHCP values to delete";
   }
-  std::string error;
-  hostkit_test::NetworkFixture fixture;
-  ASSERT_TRUE(fixture.Load(GetParam(), error)) << error;
-  std::vector<StaticTcpipInfo::AdapterInfo> adapters;
-  StaticTcpipInfo info;
-  ASSERT_TRUE(info.GetAdapterInfo(adapters));
-  const auto cookie =
-      adapters.at(static_cast<size_t>(info.GetPrimaryNicIndex(adapters))).GetCookie();
-  EXPECT_TRUE(info.EnableDHCP(cookie, false));
-  EXPECT_TRUE(info.EnableDHCP(cookie, false));  // nothing left to delete
   for (const char16_t* refused : {u"DhcpIPAddress", u"DhcpSubnetMask"}) {
+    std::string error;
+    hostkit_test::NetworkFixture fixture;
+    ASSERT_TRUE(fixture.Load(GetParam(), error)) << error;
+    std::vector<StaticTcpipInfo::AdapterInfo> adapters;
+    StaticTcpipInfo info;
+    ASSERT_TRUE(info.GetAdapterInfo(adapters));
+    const auto cookie =
+        adapters.at(static_cast<size_t>(info.GetPrimaryNicIndex(adapters))).GetCookie();
+    EXPECT_TRUE(info.EnableDHCP(cookie, false));
+    EXPECT_TRUE(info.EnableDHCP(cookie, false));  // nothing left to delete
     ASSERT_TRUE(info.EnableDHCP(cookie, true));
     Hostkit::sim::ActiveMachine()->registry().refuseDeletionOf(refused);
     EXPECT_FALSE(info.EnableDHCP(cookie, false));
