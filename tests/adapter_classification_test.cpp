@@ -168,6 +168,7 @@ TEST_F(AdapterClassification, FirstQueriesFromManyThreadsAgree) {
     TearDown();  // every list empty again
     std::atomic<int> wrong{0};
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t) {
       threads.emplace_back([&wrong, t] {
         const char* card = kCards[static_cast<std::size_t>(t) * 3 % std::size(kCards)];

@@ -52,6 +52,7 @@ TEST(FaultHandler, ThreadsFaultIndependently) {
   constexpr int kThreads = 4;
   std::atomic<int> caught{0};
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int t = 0; t < kThreads; ++t) {
     threads.emplace_back([&caught] {
       int runs = 0;

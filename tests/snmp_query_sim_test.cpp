@@ -216,6 +216,7 @@ TEST_P(SnmpOnSim, WalksFromFourThreadsAtOnceStayWhole) {
   constexpr int kThreads = 4;
   std::atomic<int> torn{0};
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int t = 0; t < kThreads; ++t) {
     threads.emplace_back([&] {
       CSNMPQuery own;
