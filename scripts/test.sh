@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
-# The full check: installs what is missing, builds and runs every test, builds again with
-# AddressSanitizer and UndefinedBehaviorSanitizer (build-asan/) and in 32 bits (build-m32/) and
-# runs the tests there, then runs the Windows leg: the shipped 32-bit DLL checked for what it
-# imports, and the same tests under Wine on each emulated release.
+# The full check: installs what is missing, checks the style, builds and runs every test
+# natively, checks the installed package and the API reference, runs the benchmarks once, builds
+# again with AddressSanitizer and UndefinedBehaviorSanitizer (build-asan/) and runs the tests
+# there, runs the concurrency tests under ThreadSanitizer (build-tsan/), and then the Windows
+# leg: the shipped 32-bit DLL checked for what it imports, and the same tests under Wine on each
+# emulated release.
 # HOSTKIT_JOBS sets the number of parallel jobs (default 2).
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -12,19 +14,20 @@ bash scripts/install-deps.sh
 bash scripts/lint.sh
 bash scripts/build.sh
 ctest --test-dir build --output-on-failure -j "$jobs"
+# The installed package: the example built against it with CMake and pkg-config, and run.
+bash scripts/check-package.sh
+# The API reference, with no public member undocumented.
+cmake --build build --target docs
 
 # The benchmarks build and run once, as a smoke test: they measure and never judge a time.
 cmake -S . -B build -DHOSTKIT_BUILD_BENCH=ON >/dev/null
 cmake --build build -j "$jobs" --target hostkit_bench
 build/bench/hostkit_bench --benchmark_min_time=0.01
 
-cmake -S . -B build-asan -G Ninja -DHOSTKIT_SANITIZE=ON
+cmake -S . -B build-asan -G Ninja -DHOSTKIT_WERROR=ON -DHOSTKIT_SANITIZE=ON
 cmake --build build-asan -j "$jobs"
 ctest --test-dir build-asan --output-on-failure -j "$jobs"
 
-# The same suite with 32-bit pointers, long and size_t, as on the Windows releases served.
-cmake -S . -B build-m32 -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/linux-i686.cmake
-cmake --build build-m32 -j "$jobs"
-ctest --test-dir build-m32 --output-on-failure -j "$jobs"
+bash scripts/test-tsan.sh
 
 bash scripts/test-windows.sh

@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "adapters/mac_address.h"
@@ -156,6 +158,34 @@ TEST_F(AdapterClassification, UsbCableModemCountsAsPhysicalWhateverItsAddress) {
   EXPECT_TRUE(DoesMacOrDescBelongToPhysicalAdapter("00-C0-46-12-34-56", "Dial-Up Adapter"));
   EXPECT_TRUE(DoesMacOrDescBelongToPhysicalAdapter("short", "usb cable modem"));
   EXPECT_FALSE(DoesMacOrDescBelongToPhysicalAdapter("short", nullptr));
+}
+
+// Several threads whose first queries find the lists empty: the built-ins are loaded once, and
+// every thread gets the answers one thread alone gets.
+TEST_F(AdapterClassification, FirstQueriesFromManyThreadsAgree) {
+  constexpr int kThreads = 8;
+  for (int round = 0; round < 3; ++round) {
+    TearDown();  // every list empty again
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    threads.reserve(kThreads);
+    for (int t = 0; t < kThreads; ++t) {
+      threads.emplace_back([&wrong, t] {
+        const char* card = kCards[static_cast<std::size_t>(t) * 3 % std::size(kCards)];
+        const bool right = IsNicDescription(card) && !IsNicDescription("Dial-Up Adapter") &&
+                           IsNicDeviceDriver("EL90XBC.SYS") && !IsNicDeviceDriver("myel90x") &&
+                           !DoesMacAddressBelongToPhysicalAdapter("44-45-53-54-12-34") &&
+                           DoesMacAddressBelongToPhysicalAdapter("00-C0-46-12-34-56");
+        if (!right) {
+          ++wrong;
+        }
+      });
+    }
+    for (auto& thread : threads) {
+      thread.join();
+    }
+    EXPECT_EQ(wrong.load(), 0);
+  }
 }
 
 }  // namespace

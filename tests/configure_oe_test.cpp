@@ -170,8 +170,9 @@ bool IsIdentityId(const std::string& id) {
 
 class OutlookExpress : public PerRelease {};
 
-TEST_P(OutlookExpress, NewIdentityHoldsExactlyItsAccountsAndGoesWithoutTrace) {
+TEST_P(OutlookExpress, NewIdentityHoldsExactlyItsAccountsAndRemovalTakesOnlyItsKey) {
   SavedTrees saved;
+  platform::RegCloseKey(hostkit_test::registry_probe::Create(HKEY_CURRENT_USER, kIdentities));
   const Tree identitiesBefore = Dump(kIdentities);
   const Tree sharedBefore = Dump(kShared);
   ConfigureOE oe;
@@ -260,15 +261,15 @@ TEST_P(OutlookExpress, NewIdentityHoldsExactlyItsAccountsAndGoesWithoutTrace) {
   EXPECT_TRUE(oe.RemoveIdentity(Account("Ann", "")));
   EXPECT_FALSE(oe.RemoveIdentity(W("Ann")));
 
-  // No trace but the counter of identities ever made.
-  Tree identitiesAfter = Dump(kIdentities);
-  EXPECT_EQ(identitiesAfter.values["|Identity Ordinal"],
-            "dword:" + std::to_string(std::stoul(ordinal) + 1));
-  identitiesAfter.values.erase("|Identity Ordinal");
+  // The identity's key goes; the counter and the values that named the identity stay.
   Tree identitiesExpected = identitiesBefore;
-  identitiesExpected.values.erase("|Identity Ordinal");
-  identitiesExpected.keys.insert("");  // the key holding the counter
-  EXPECT_EQ(identitiesAfter, identitiesExpected);
+  identitiesExpected.values["|Identity Ordinal"] =
+      "dword:" + std::to_string(std::stoul(ordinal) + 1);
+  for (const char* pointer : {"|Last User ID", "|Default User ID", "|Start As"}) {
+    identitiesExpected.values[pointer] = "sz:" + id;
+  }
+  identitiesExpected.values["|Last Username"] = "sz:Ann";
+  EXPECT_EQ(Dump(kIdentities), identitiesExpected);
   EXPECT_EQ(Dump(kShared), sharedBefore);
 }
 
@@ -291,9 +292,15 @@ TEST_P(OutlookExpress, SharedAccountMovesIntoIdentity) {
   EXPECT_TRUE(oe.SetAccount(shared));  // found again, not numbered anew
   EXPECT_EQ(Dump(accounts).keys.size(), 3u);
 
+  // Without an "Identities" key the first identity gets its own key and nothing beside it.
   ConfigureOE::AccountInfo newsOnly = Account("Cy", "");
   newsOnly.newsOnly = true;
   ASSERT_TRUE(oe.SetAccount(newsOnly));
+  const Tree first = Dump(kIdentities);
+  EXPECT_EQ(first.keys.size(), 7u);  // "" and the identity's key with its five below
+  for (const auto& [at, value] : first.values) {
+    EXPECT_NE(at.front(), '|') << at << " = " << value;
+  }
   ASSERT_TRUE(oe.SetAccount(Account("Bob", "Home")));
   const Tree left = Dump(kShared);
   EXPECT_EQ(left.keys, (std::set<std::string>{"", "Accounts", "Accounts\\00000002"}));
@@ -305,9 +312,12 @@ TEST_P(OutlookExpress, SharedAccountMovesIntoIdentity) {
   ASSERT_EQ(listed.size(), 1u);  // Cy has no accounts key at all
   EXPECT_EQ(A(listed[0].userName + listed[0].accountName), "BobHome");
   const std::string bob = Read(kIdentities, "Last User ID");
+  EXPECT_TRUE(IsIdentityId(bob)) << bob;
   EXPECT_TRUE(oe.RemoveIdentity(W("Bob")));
-  EXPECT_NE(Read(kIdentities, "Default User ID"), bob);  // moved on to Cy
-  EXPECT_EQ(Read(kIdentities, "Last Username"), "Cy");
+  EXPECT_FALSE(Hostkit::RegWiz().DoesKeyExist(HKEY_CURRENT_USER,
+                                              (std::string(kIdentities) + "\\" + bob).c_str()));
+  EXPECT_EQ(Read(kIdentities, "Default User ID"), bob);
+  EXPECT_EQ(Read(kIdentities, "Last Username"), "Bob");
 }
 
 // An account without a user name goes to the default identity's list when it asks to, else to

@@ -128,6 +128,19 @@ TEST_P(DhcpReleaseRenewSim, AllGoesThroughEveryDhcpAdapterAndReportsAnyFailure) 
   EXPECT_EQ(Now(), start);  // nothing to wait for
 }
 
+// On a system of no known family (here Windows 3.1 with Win32s) nothing is asked and nothing
+// waited for: every request fails at once.
+TEST_P(DhcpReleaseRenewSim, UnknownSystemFailsAtOnce) {
+  machine_->facts().version.platform = VER_PLATFORM_WIN32s;
+  const std::uint64_t start = Now();
+  EXPECT_FALSE(dhcp_.Release(kCard));
+  EXPECT_FALSE(dhcp_.Renew(kCard));
+  EXPECT_FALSE(dhcp_.ReleaseAll());
+  EXPECT_FALSE(dhcp_.RenewAll());
+  EXPECT_EQ(Now(), start);
+  EXPECT_TRUE(Requests().empty());
+}
+
 INSTANTIATE_TEST_SUITE_P(Releases, DhcpReleaseRenewSim,
                          testing::ValuesIn(hostkit_test::AllReleases()),
                          hostkit_test::ReleaseParamName);

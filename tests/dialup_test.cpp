@@ -52,8 +52,8 @@ class DialUpTest : public PerRelease {
   std::vector<std::unique_ptr<hostkit_test::SavedKey>> saved_;
 };
 
-// Two dial-up adapters (one bound to TCP/IP), the VPN adapter, and the optional components of
-// Dial-Up Networking 1.3.
+// Two dial-up adapters (one bound to TCP/IP), the VPN adapter behind a VPN class entry that an
+// earlier installation left unused, and the optional components of Dial-Up Networking 1.3.
 const char* const kDevices =
     "[HKEY_LOCAL_MACHINE\\Enum\\Root\\Net\\HK01]\r\n\"Driver\"=\"Net\\\\HK01\"\r\n"
     "[HKEY_LOCAL_MACHINE\\Enum\\Root\\Net\\HK01\\Bindings]\r\n\"MSTCP\\\\0001\"=\"\"\r\n"
@@ -64,6 +64,8 @@ const char* const kDevices =
     "\"DeviceVxDs\"=\"pppmac.vxd\"\r\n"
     "[HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\Services\\Class\\Net\\HK02]\r\n"
     "\"DeviceVxDs\"=\"pppmac.vxd\"\r\n"
+    "[HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\Services\\Class\\Net\\HK00]\r\n"
+    "\"DeviceVxDs\"=\"netpptp.sys\"\r\n"
     "[HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\Services\\Class\\Net\\HK03]\r\n"
     "\"DeviceVxDs\"=\"netpptp.sys\"\r\n"
     "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Setup\\"

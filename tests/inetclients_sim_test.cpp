@@ -63,8 +63,11 @@ TEST(SimIdentities, FreshMachinesMakeTheSameIdentityIds) {
     Hostkit::ConfigureOE::AccountInfo info;
     info.userName = u"Ann";
     ASSERT_TRUE(Hostkit::ConfigureOE().SetAccount(info));
-    ids.emplace_back();
-    Hostkit::RegWiz().GetKeyVal(HKEY_CURRENT_USER, "Identities", "Default User ID", ids.back());
+    // The machine has no "Identities" yet, so the identity's key is all there is of it.
+    std::vector<std::string> keys;
+    ASSERT_TRUE(Hostkit::RegWiz().GetSubKeyNames(HKEY_CURRENT_USER, "Identities", keys));
+    ASSERT_EQ(keys.size(), 1U);
+    ids.push_back(keys[0]);
   }
   EXPECT_EQ(ids[0], ids[1]);
   EXPECT_NE(ids[0], ids[2]);

@@ -63,6 +63,20 @@ TEST(CpuSpeedSim, MeasuresTheConfiguredClockOnVirtualTime) {
   EXPECT_EQ(CPU().Speed(-1, false), 0);
 }
 
+// A processor fault during the measurement stores 0, on every release, and the caller carries
+// on; a processor without a time-stamp counter is timed without reading one.
+TEST(CpuSpeedSim, ProcessorFaultDuringMeasurementGivesZero) {
+  for (Release release : hostkit_test::AllReleases()) {
+    auto machine = MachineWith(500, 10000000, release);
+    machine->facts().processor.timeStampCounterFaults = true;
+    EXPECT_EQ(CPU().Speed(-1, false), 0) << Hostkit::sim::ReleaseName(release);
+    EXPECT_EQ(CPU().Speed(5, true), 0) << Hostkit::sim::ReleaseName(release);
+    machine->facts().processor.hasTimeStampCounter = false;
+    machine->facts().processor.family = 5;
+    EXPECT_EQ(CPU().Speed(-1, false), 500) << Hostkit::sim::ReleaseName(release);
+  }
+}
+
 // The registry's figure comes first, without a measuring thread; otherwise a zero timeout
 // gives -1, whether or not the worker is terminated.
 TEST(CpuSpeedSim, RegistryFigureFirstAndTimeOutGivesMinusOne) {

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
+#include <clocale>
 #include <functional>
 #include <memory>
 #include <string>
@@ -174,6 +176,23 @@ TEST(Validators, HostAndDomainNamesNarrowAndWideAgree) {
   }
   EXPECT_FALSE(IsValidHostName(static_cast<const char*>(nullptr)));
   EXPECT_FALSE(IsValidDomainName(static_cast<const WCHAR*>(nullptr)));
+}
+
+// Only A-Z, a-z and 0-9 count, in both builds and whatever locale the host program chose (a
+// UTF-8 one where the C runtime has it): accented and other alphabets' letters, superscript,
+// full-width and other scripts' digits are refused.
+TEST(Validators, NamesBeyondAsciiLettersAndDigitsAreRefused) {
+  const std::string previous = std::setlocale(LC_CTYPE, nullptr);
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  for (const WCHAR* text : {HK_WIDE("caf\u00E9"), HK_WIDE("\u00B2"), HK_WIDE("\u0416"),
+                            HK_WIDE("\uFF21"), HK_WIDE("\u0661"), HK_WIDE("\u00C0bc")}) {
+    EXPECT_FALSE(IsValidHostName(text));
+    EXPECT_FALSE(IsValidDomainName((wstring(text) + HK_WIDE(".com")).c_str()));
+  }
+  EXPECT_FALSE(IsValidHostName("caf\xE9"));
+  EXPECT_FALSE(IsValidHostName("\xB2"));
+  EXPECT_TRUE(IsValidHostName(HK_WIDE("AZaz09")));
+  std::setlocale(LC_CTYPE, previous.c_str());
 }
 
 }  // namespace

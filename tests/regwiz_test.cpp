@@ -179,6 +179,48 @@ TEST_P(RegWizTest, DeleteKeyRemovesWholeTreesOnBothFamilies) {
       reg_.CreateKey(HKEY_CURRENT_USER, HK_WIDE("Software\\HostkitTest\\Wide\\Inner\\Deeper")));
   EXPECT_TRUE(reg_.DeleteKey(HKEY_CURRENT_USER, HK_WIDE("Software\\HostkitTest\\Wide")));
   EXPECT_FALSE(reg_.DoesKeyExist(HKEY_CURRENT_USER, HK_WIDE("Software\\HostkitTest\\Wide")));
+
+  // An empty or null path names the root: its subkeys come out as "\\Software", a bad path
+  // name, so nothing below the root goes.
+  EXPECT_TRUE(reg_.DeleteKey(HKEY_CURRENT_USER, ""));
+  EXPECT_TRUE(reg_.DeleteKey(HKEY_CURRENT_USER, static_cast<const char*>(nullptr)));
+  EXPECT_TRUE(reg_.DeleteKey(HKEY_CURRENT_USER, HK_WIDE("")));
+  EXPECT_TRUE(reg_.DoesKeyExist(HKEY_CURRENT_USER, "Software\\HostkitTest\\Treehouse"));
+}
+
+// Every family ends the text and list reads alike: a missing key leaves the output as it was,
+// a value that cannot be read empties it (the wide forms of 9x and NT 4 go the narrow way).
+TEST_P(RegWizTest, FailedReadsEmptyTheOutputInBothFormsOnEveryFamily) {
+  ASSERT_TRUE(reg_.SetMultiStringKeyVal(HKEY_CURRENT_USER, kBase, "Big",
+                                        std::vector<std::string>(10, std::string(120, 'z'))));
+  const Hostkit::WCHAR* missingKey = HK_WIDE("Software\\HostkitTest\\Missing");
+  for (const Hostkit::WCHAR* name : {HK_WIDE("Missing"), HK_WIDE("Big")}) {
+    wstring text = HK_WIDE("stale");
+    std::vector<wstring> list = {HK_WIDE("stale")};
+    std::string narrow = "stale";
+    std::vector<std::string> narrowList = {"stale"};
+    const bool big = wstring(name) == HK_WIDE("Big");
+    if (!big) {
+      EXPECT_FALSE(reg_.GetKeyVal(HKEY_CURRENT_USER, kWideBase, name, text));
+      EXPECT_EQ(text, wstring());
+      EXPECT_FALSE(reg_.GetKeyVal(HKEY_CURRENT_USER, kBase, "Missing", narrow));
+      EXPECT_EQ(narrow, "");
+    }
+    EXPECT_FALSE(reg_.GetMultiStringKeyVal(HKEY_CURRENT_USER, kWideBase, name, list));
+    EXPECT_THAT(list, IsEmpty());
+    EXPECT_FALSE(
+        reg_.GetMultiStringKeyVal(HKEY_CURRENT_USER, kBase, big ? "Big" : "Missing", narrowList));
+    EXPECT_THAT(narrowList, IsEmpty());
+  }
+  wstring text = HK_WIDE("kept");
+  std::vector<wstring> list = {HK_WIDE("kept")};
+  EXPECT_FALSE(reg_.GetKeyVal(HKEY_CURRENT_USER, missingKey, HK_WIDE("a"), text));
+  EXPECT_EQ(text, wstring(HK_WIDE("kept")));
+  EXPECT_FALSE(reg_.GetMultiStringKeyVal(HKEY_CURRENT_USER, missingKey, HK_WIDE("a"), list));
+  EXPECT_THAT(list, ElementsAre(HK_WIDE("kept")));
+  std::string narrow = "kept";
+  EXPECT_FALSE(reg_.GetKeyVal(HKEY_CURRENT_USER, "Software\\HostkitTest\\Missing", "a", narrow));
+  EXPECT_EQ(narrow, "kept");
 }
 
 TEST_P(RegWizTest, NameListsAreSortedByCodeUnitButTheSearchKeepsRegistryOrder) {

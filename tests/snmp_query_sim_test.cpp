@@ -3,10 +3,12 @@
 // used.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "hostkit/sim/live_network.h"
@@ -202,6 +204,34 @@ TEST_P(SnmpOnSim, WalkStaysWithinItsBoundsInIdentifierOrder) {
   CSNMPQuery copy = query;
   EXPECT_TRUE(copy.IsUsable());
   EXPECT_EQ(copy.Cache(), query.Cache());
+}
+
+// Four threads walking through one query, and each through one of its own, at once: the
+// query's lock keeps every walk whole, and every thread reads the rows one thread alone reads.
+TEST_P(SnmpOnSim, WalksFromFourThreadsAtOnceStayWhole) {
+  GiveNetwork(*machine_);
+  CSNMPQuery shared;
+  ASSERT_TRUE(shared.Walk("1.3.6.1.2.1.2", "1.3.6.1.2.1.4.21.1.11"));
+  const auto alone = shared.Cache();
+  constexpr int kThreads = 4;
+  std::atomic<int> torn{0};
+  std::vector<std::thread> threads;
+  threads.reserve(kThreads);
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&] {
+      CSNMPQuery own;
+      for (int round = 0; round < 5; ++round) {
+        if (!shared.Walk("1.3.6.1.2.1.2", "1.3.6.1.2.1.4.21.1.11") || shared.Cache() != alone ||
+            !own.Walk("1.3.6.1.2.1.2", "1.3.6.1.2.1.4.21.1.11") || own.Cache() != alone) {
+          ++torn;
+        }
+      }
+    });
+  }
+  for (auto& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(torn.load(), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(AllReleases, SnmpOnSim, testing::ValuesIn(hostkit_test::AllReleases()),

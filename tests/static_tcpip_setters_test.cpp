@@ -138,6 +138,28 @@ TEST_P(StaticTcpipSetters, DnsAndWinsSwitchOff) {
   }
 }
 
+// A card TCP/IP has no key for (a service without "Parameters\Tcpip" on NT 4, an interface
+// without a TCP/IP key on 2000 and XP) still takes what is kept elsewhere: its WINS servers in
+// NetBT's keys and, on NT 4, the machine-wide DNS settings.
+TEST_P(StaticTcpipSetters, SettingsKeptOutsideTheCardsTcpipKeyNeedNoSuchKey) {
+  if (isWin9x()) {
+    GTEST_SKIP() << "Windows 9x keeps WINS servers in the card's own binding key";
+  }
+  const bool nt4 = GetParam() == Release::WinNT4;
+  const StaticTcpipInfo::Cookie card(nt4 ? HK_WIDE("NoTcpip1")
+                                         : HK_WIDE("{0D0D0D0D-0D0D-4D0D-8D0D-0D0D0D0D0D0D}"));
+  EXPECT_FALSE(info_.SetStaticIpAddress(card, "10.0.0.1"));
+  EXPECT_TRUE(info_.SetStaticWinsServers(card, {"10.0.0.5"}));
+  EXPECT_TRUE(info_.SetWinsState(card, StaticTcpipInfo::WINS_DISABLED));
+  EXPECT_EQ(info_.SetStaticNameServers(card, {"10.0.0.53", "10.0.0.54"}), nt4);
+  EXPECT_EQ(info_.SetDomainName(card, "example.org"), nt4);
+  if (nt4) {
+    const char* parameters = "System\\CurrentControlSet\\Services\\Tcpip\\Parameters";
+    EXPECT_EQ(RawValue(parameters, "NameServer"), "10.0.0.53 10.0.0.54");
+    EXPECT_EQ(RawValue(parameters, "Domain"), "example.org");
+  }
+}
+
 TEST_P(StaticTcpipSetters, HostNameRoundTrips) {
   ASSERT_TRUE(info_.SetStaticHostName("setup-pc"));
   std::string name;

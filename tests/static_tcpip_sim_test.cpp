@@ -123,8 +123,8 @@ TEST_F(StaticTcpipSim, AddressLookupDefinesAndRemovesItsOwnDosNameOnly) {
   EXPECT_FALSE(Hostkit::adapters::QueryAdapterMacAddress(HK_WIDE("usrpciawr3"), address));
 }
 
-// Every cookie-taking setter, each answering false.
-void ExpectEverySetterRefuses(const StaticTcpipInfo::Cookie& cookie) {
+// Every setter that needs the adapter's own TCP/IP key, each answering false.
+void ExpectAdapterSettersRefuse(const StaticTcpipInfo::Cookie& cookie) {
   StaticTcpipInfo info;
   EXPECT_FALSE(info.SetStaticIpAddress(cookie, "10.0.0.1"));
   EXPECT_FALSE(info.SetStaticSubnetMask(cookie, "255.0.0.0"));
@@ -132,6 +132,12 @@ void ExpectEverySetterRefuses(const StaticTcpipInfo::Cookie& cookie) {
   EXPECT_FALSE(info.EnableDHCP(cookie, true));
   EXPECT_FALSE(info.EnableDHCP(cookie, false));
   EXPECT_FALSE(info.MakeDnsStatic(cookie, false));
+}
+
+// Every cookie-taking setter, each answering false.
+void ExpectEverySetterRefuses(const StaticTcpipInfo::Cookie& cookie) {
+  ExpectAdapterSettersRefuse(cookie);
+  StaticTcpipInfo info;
   EXPECT_FALSE(info.SetStaticNameServers(cookie, {"10.0.0.53"}));
   EXPECT_FALSE(info.SetDomainName(cookie, "example.org"));
   EXPECT_FALSE(info.SetWinsState(cookie, StaticTcpipInfo::WINS_DISABLED));
@@ -146,9 +152,50 @@ TEST_P(StaticTcpipSetterFailures, UnknownCookieWritesNothing) {
   ASSERT_TRUE(fixture.Load(GetParam(), error)) << error;
   auto& registry = Hostkit::sim::ActiveMachine()->registry();
   const auto before = registry.snapshot();
-  ExpectEverySetterRefuses(StaticTcpipInfo::Cookie(HK_WIDE("No Such Adapter")));
-  ExpectEverySetterRefuses(StaticTcpipInfo::Cookie());
+  if (isWin9x()) {
+    ExpectEverySetterRefuses(StaticTcpipInfo::Cookie(HK_WIDE("No Such Adapter")));
+    ExpectEverySetterRefuses(StaticTcpipInfo::Cookie());
+  } else {
+    // NetBT's keys are named after the cookie whether or not TCP/IP has a key for it: the WINS
+    // setters answer true for any name and write nothing where NetBT has no key. (NT 4's DNS
+    // setters are machine-wide and take no cookie at all.)
+    StaticTcpipInfo info;
+    for (const auto& cookie :
+         {StaticTcpipInfo::Cookie(HK_WIDE("No Such Adapter")), StaticTcpipInfo::Cookie()}) {
+      const bool named = !(cookie == StaticTcpipInfo::Cookie());
+      ExpectAdapterSettersRefuse(cookie);
+      EXPECT_EQ(info.SetWinsState(cookie, StaticTcpipInfo::WINS_DISABLED), named);
+      EXPECT_EQ(info.SetStaticWinsServers(cookie, {"10.0.0.5"}), named);
+      if (GetParam() != Release::WinNT4) {
+        EXPECT_FALSE(info.SetStaticNameServers(cookie, {"10.0.0.53"}));
+        EXPECT_FALSE(info.SetDomainName(cookie, "example.org"));
+      }
+    }
+  }
   EXPECT_TRUE(registry.snapshot() == before);
+}
+
+// Switching DHCP off on the NT family: values already gone are no failure, a deletion the
+// registry refuses is.
+TEST_P(StaticTcpipSetterFailures, RefusedDeletionFailsTheSwitchToStatic) {
+  if (isWin9x()) {
+    GTEST_SKIP() << "Windows 9x keeps no DHCP values to delete";
+  }
+  for (const char16_t* refused : {u"DhcpIPAddress", u"DhcpSubnetMask"}) {
+    std::string error;
+    hostkit_test::NetworkFixture fixture;
+    ASSERT_TRUE(fixture.Load(GetParam(), error)) << error;
+    std::vector<StaticTcpipInfo::AdapterInfo> adapters;
+    StaticTcpipInfo info;
+    ASSERT_TRUE(info.GetAdapterInfo(adapters));
+    const auto cookie =
+        adapters.at(static_cast<size_t>(info.GetPrimaryNicIndex(adapters))).GetCookie();
+    EXPECT_TRUE(info.EnableDHCP(cookie, false));
+    EXPECT_TRUE(info.EnableDHCP(cookie, false));  // nothing left to delete
+    ASSERT_TRUE(info.EnableDHCP(cookie, true));
+    Hostkit::sim::ActiveMachine()->registry().refuseDeletionOf(refused);
+    EXPECT_FALSE(info.EnableDHCP(cookie, false));
+  }
 }
 
 // Without TCP/IP installed, DNS settings and the host name are refused for a real adapter too.

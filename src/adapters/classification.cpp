@@ -10,6 +10,7 @@
 #include "hostkit/adapter_classification.h"
 #include "hostkit/patterns.h"
 #include "hostkit/strings.h"
+#include "platform/once.h"
 
 namespace Hostkit {
 
@@ -94,12 +95,6 @@ const MacAddressRange kBuiltInSoftwareAdapters[] = {
     {"00-50-77-01-8B-58", "FF-FF-FF-FF-FF-00"}, {"00-20-EA-09-EB-DF", "FF-FF-FF-FF-FF-00"},
 };
 
-// The lists live as long as the library and start empty.
-std::vector<wstring> descriptionAcceptList;
-std::vector<wstring> descriptionDeclineList;
-std::vector<std::string> deviceDriverAcceptList;
-std::vector<MacAddressRange> softwareAdapterList;
-
 void FillIfEmpty(std::vector<wstring>& list) {
   if (list.empty()) {
     for (const char* pattern : kBuiltInDescriptions) {
@@ -120,21 +115,51 @@ void FillIfEmpty(std::vector<MacAddressRange>& list) {
   }
 }
 
-// Append keeps the list, built-in contents first when it was empty; otherwise the given
-// entries replace it.
+// A list with built-in contents. Queries from several threads may be the first to find it
+// empty, so the built-ins are loaded by one-time initialisation: exactly once after the list
+// was last set. The setters, which callers never run beside queries, re-arm it.
 template <class Entry>
-void SetList(std::vector<Entry>& list, const std::vector<Entry>& entries, bool append) {
-  try {
-    if (append) {
-      FillIfEmpty(list);
-      list.insert(list.end(), entries.begin(), entries.end());
-    } else {
-      list = entries;
+struct ListWithBuiltIns {
+  std::vector<Entry> entries;
+  platform::INIT_ONCE_RECORD filled{};
+
+  static BOOL Fill(void* parameter) {
+    try {
+      FillIfEmpty(*static_cast<std::vector<Entry>*>(parameter));
+      return TRUE;
+    } catch (...) {
+      return FALSE;  // out of memory: the next query tries again
     }
-  } catch (...) {
-    // Out of memory: the list keeps what it had.
   }
-}
+
+  // The entries, with the built-ins loaded when the list was empty.
+  const std::vector<Entry>& Filled() {
+    platform::ExecuteOnce(&filled, &Fill, &entries);
+    return entries;
+  }
+
+  // Append keeps the list, built-in contents first when it was empty; otherwise the given
+  // entries replace it.
+  void Set(const std::vector<Entry>& given, bool append) {
+    try {
+      if (append) {
+        Filled();
+        entries.insert(entries.end(), given.begin(), given.end());
+      } else {
+        entries = given;
+      }
+    } catch (...) {
+      // Out of memory: the list keeps what it had.
+    }
+    filled = {};
+  }
+};
+
+// The lists live as long as the library and start empty.
+ListWithBuiltIns<wstring> descriptionAcceptList;
+std::vector<wstring> descriptionDeclineList;
+ListWithBuiltIns<std::string> deviceDriverAcceptList;
+ListWithBuiltIns<MacAddressRange> softwareAdapterList;
 
 // Built-in patterns are lower case, so texts are lower-cased before matching: A to Z only,
 // as the default locale maps them.
@@ -175,8 +200,7 @@ bool IsPhysicalAddress(const char* address) {
   if (address == nullptr || !adapters::ParseMacAddress(address, bytes)) {
     return false;
   }
-  FillIfEmpty(softwareAdapterList);
-  for (const MacAddressRange& range : softwareAdapterList) {
+  for (const MacAddressRange& range : softwareAdapterList.Filled()) {
     std::array<unsigned char, 6> rangeBytes{};
     std::array<unsigned char, 6> mask{};
     // A range that cannot be read ends the search: the address counts as physical.
@@ -198,20 +222,24 @@ bool IsPhysicalAddress(const char* address) {
 }  // namespace
 
 void SetNicDescriptionAcceptList(const std::vector<wstring>& patterns, bool append) {
-  SetList(descriptionAcceptList, patterns, append);
+  descriptionAcceptList.Set(patterns, append);
 }
 
 void SetNicDeviceDriverAcceptList(const std::vector<std::string>& patterns, bool append) {
-  SetList(deviceDriverAcceptList, patterns, append);
+  deviceDriverAcceptList.Set(patterns, append);
 }
 
 void SetSoftwareAdapterList(const std::vector<MacAddressRange>& ranges, bool append) {
-  SetList(softwareAdapterList, ranges, append);
+  softwareAdapterList.Set(ranges, append);
 }
 
 // Never appends: with either flag the given patterns become the whole list.
 void SetNicDescriptionDeclineList(const std::vector<wstring>& patterns, bool /*flag*/) {
-  SetList(descriptionDeclineList, patterns, false);
+  try {
+    descriptionDeclineList = patterns;
+  } catch (...) {
+    // Out of memory: the list keeps what it had.
+  }
 }
 
 bool IsNicDescription(const WCHAR* description) {
@@ -220,8 +248,8 @@ bool IsNicDescription(const WCHAR* description) {
   }
   try {
     const wstring text = Lowered(description);
-    FillIfEmpty(descriptionAcceptList);
-    return AnyMatches(descriptionAcceptList, text) && !AnyMatches(descriptionDeclineList, text);
+    return AnyMatches(descriptionAcceptList.Filled(), text) &&
+           !AnyMatches(descriptionDeclineList, text);
   } catch (...) {
     return false;
   }
@@ -260,8 +288,7 @@ bool IsNicDeviceDriver(const char* driver) {
   }
   try {
     const std::string text = Lowered(driver);
-    FillIfEmpty(deviceDriverAcceptList);
-    return AnyMatches(deviceDriverAcceptList, text);
+    return AnyMatches(deviceDriverAcceptList.Filled(), text);
   } catch (...) {
     return false;
   }

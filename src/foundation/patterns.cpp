@@ -3,7 +3,6 @@
 #include "hostkit/patterns.h"
 
 #include <boost/regex.hpp>
-#include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <cwctype>
@@ -106,8 +105,14 @@ std::wstring AsWchar(const WCHAR* text) {
   return units;
 }
 
-bool IsAlnum(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; }
-bool IsAlnum(WCHAR c) { return std::iswalnum(static_cast<std::wint_t>(c)) != 0; }
+// A letter or a digit as the default locale classifies them: A-Z, a-z and 0-9 only. Tested by
+// range rather than by the C runtime, whose wide classification counts every Unicode letter and
+// digit on Windows ("é", "Ж", "²") and none of them elsewhere.
+template <class Ch>
+bool IsAlnum(Ch c) {
+  return (c >= Ch('0') && c <= Ch('9')) || (c >= Ch('A') && c <= Ch('Z')) ||
+         (c >= Ch('a') && c <= Ch('z'));
+}
 
 template <class Ch>
 bool ValidHostName(const Ch* text) {

@@ -89,6 +89,20 @@ bool ThroughNarrow(const AnsiArg& path, const AnsiArg& name, WideOut& out, Op op
   }
 }
 
+// The text and list reads through the narrow path, ending as their narrow forms end: a missing
+// key leaves the output as it was, and any other failure empties it.
+template <class NarrowOut, class WideOut, class Op>
+bool ReadThroughNarrow(HKEY root, const AnsiArg& path, const AnsiArg& name, WideOut& out, Op op) {
+  if (path.ok() && !registry::DoesKeyExist(root, path.get())) {
+    return false;
+  }
+  if (!ThroughNarrow<NarrowOut>(path, name, out, op)) {
+    out.clear();
+    return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 // ---- narrow forms ----
@@ -188,8 +202,8 @@ bool RegWiz_impl::GetKeyVal(HKEY root, const WCHAR* path, const WCHAR* name, wst
   if (!UseNarrowPath()) {
     return registry::GetKeyVal(root, path, name, value);
   }
-  return ThroughNarrow<std::string>(
-      AnsiArg(path), AnsiArg(name), value,
+  return ReadThroughNarrow<std::string>(
+      root, AnsiArg(path), AnsiArg(name), value,
       [&](const char* p, const char* n, auto& out) { return GetKeyVal(root, p, n, out); });
 }
 
@@ -207,10 +221,10 @@ bool RegWiz_impl::GetMultiStringKeyVal(HKEY root, const WCHAR* path, const WCHAR
   if (!UseNarrowPath()) {
     return registry::GetMultiStringKeyVal(root, path, name, values);
   }
-  return ThroughNarrow<std::vector<std::string>>(AnsiArg(path), AnsiArg(name), values,
-                                                 [&](const char* p, const char* n, auto& out) {
-                                                   return GetMultiStringKeyVal(root, p, n, out);
-                                                 });
+  return ReadThroughNarrow<std::vector<std::string>>(root, AnsiArg(path), AnsiArg(name), values,
+                                                     [&](const char* p, const char* n, auto& out) {
+                                                       return GetMultiStringKeyVal(root, p, n, out);
+                                                     });
 }
 
 bool RegWiz_impl::SetMultiStringKeyVal(HKEY root, const WCHAR* path, const WCHAR* name,

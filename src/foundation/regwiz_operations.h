@@ -268,6 +268,10 @@ Text<Ch> PathText(const Ch* path) {
 
 // Deletes the key and everything below it. The NT family refuses to delete a key that has
 // subkeys, so the subkeys go first. True in every case.
+//
+// A subkey's path is always the path, "\" and the name, even below an empty path: the registry
+// refuses "\Software" as a bad path name, so an empty or null path never takes a root's keys
+// with it.
 template <class Ch>
 bool DeleteKey(HKEY root, const Ch* path) {
   if (!DoesKeyExist(root, path)) {
@@ -280,7 +284,10 @@ bool DeleteKey(HKEY root, const Ch* path) {
   GetSubKeyNames(root, path, names);
   const Text<Ch> parent = PathText(path);
   for (const auto& name : names) {
-    DeleteKey(root, JoinPath(parent, name).c_str());
+    Text<Ch> child = parent;
+    child.push_back(Ch{'\\'});
+    child += name;
+    DeleteKey(root, child.c_str());
   }
   Calls<Ch>::DeleteKey(root, path);
   return true;

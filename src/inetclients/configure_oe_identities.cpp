@@ -78,9 +78,11 @@ using namespace oe_keys;
 bool ConfigureOE_impl::CreateIdentity(const AccountInfo& info) {
   const wstring id = NewIdentityId();
   RegWiz reg;
-  if (id.empty() || !reg.CreateKey(HKEY_CURRENT_USER, kIdentities)) {
+  if (id.empty()) {
     return false;
   }
+  // Without an "Identities" key the counter and the pointers below are not written: only the
+  // creation of the identity's own key makes "Identities", as its parent.
   unsigned long ordinal = 0;
   reg.GetDwordKeyVal(HKEY_CURRENT_USER, kIdentities, HK_WIDE("Identity Ordinal"), ordinal);
   reg.SetDwordKeyVal(HKEY_CURRENT_USER, kIdentities, HK_WIDE("Identity Ordinal"), ordinal + 1);
@@ -178,41 +180,12 @@ void ConfigureOE_impl::TidySharedList(const wstring& id, const AccountInfo& info
   }
 }
 
-// Besides the identity's key, the "Identities" values that pointed at it ("Last User ID",
-// "Default User ID", "Start As" and, with the first, "Last Username") are moved to the first
-// identity that remains, or removed when none does, so that no value names an identity that is
-// gone. The "Identity Ordinal" counter is never lowered: ordinals are not reused.
+// Only the identity's key goes, with everything below it. The "Identities" values that named
+// it stay as they are, as does the ordinal counter.
 bool ConfigureOE_impl::RemoveIdentity(const wstring& identityName) {
   wstring id;
-  RegWiz reg;
-  if (!FindIdentity(identityName, id) ||
-      !reg.DeleteKey(HKEY_CURRENT_USER, IdentityPath(id).c_str())) {
-    return false;
-  }
-  std::vector<wstring> remaining;
-  reg.GetSubKeyNames(HKEY_CURRENT_USER, kIdentities, remaining);
-  for (const WCHAR* value :
-       {HK_WIDE("Last User ID"), HK_WIDE("Default User ID"), HK_WIDE("Start As")}) {
-    wstring current;
-    if (!reg.GetKeyVal(HKEY_CURRENT_USER, kIdentities, value, current) || current != id) {
-      continue;
-    }
-    const bool last = wstring(value) == HK_WIDE("Last User ID");
-    if (remaining.empty()) {
-      reg.DeleteKeyVal(HKEY_CURRENT_USER, kIdentities, value);
-      if (last) {
-        reg.DeleteKeyVal(HKEY_CURRENT_USER, kIdentities, HK_WIDE("Last Username"));
-      }
-      continue;
-    }
-    reg.SetKeyVal(HKEY_CURRENT_USER, kIdentities, value, remaining.front().c_str());
-    wstring name;
-    if (last && reg.GetKeyVal(HKEY_CURRENT_USER, IdentityPath(remaining.front()).c_str(), kUsername,
-                              name)) {
-      reg.SetKeyVal(HKEY_CURRENT_USER, kIdentities, HK_WIDE("Last Username"), name.c_str());
-    }
-  }
-  return true;
+  return FindIdentity(identityName, id) &&
+         RegWiz().DeleteKey(HKEY_CURRENT_USER, IdentityPath(id).c_str());
 }
 
 }  // namespace Hostkit

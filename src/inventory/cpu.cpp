@@ -14,6 +14,7 @@
 #include "hostkit/regwiz.h"
 #include "hostkit/strings.h"
 #include "inventory/inventory_impl.h"
+#include "platform/fault_guard.h"
 #include "platform/handles.h"
 #include "platform/processor.h"
 #include "platform/registry.h"
@@ -61,10 +62,22 @@ std::shared_ptr<Job> TakeShare(void* parameter) {
   return std::move(*share);
 }
 
+// The measurement proper, run under the processor-fault handler: it holds nothing that needs
+// releasing, since a fault abandons its frames as they stand.
+DWORD WINAPI Measure(void* parameter) {
+  static_cast<SpeedJob*>(parameter)->mhz = MeasureProcessorSpeed().truncated;
+  return 0;
+}
+
+// A processor fault during the measurement (a time-stamp counter the system keeps to itself,
+// say) stores 0, as does any other failure.
 DWORD WINAPI SpeedWorker(void* parameter) {
   auto job = TakeShare<SpeedJob>(parameter);
   try {
-    job->mhz = MeasureProcessorSpeed().truncated;
+    DWORD ignored = 0;
+    if (platform::CallWithFaultHandler(&Measure, job.get(), &ignored) == FALSE) {
+      job->mhz = 0;
+    }
   } catch (...) {
     job->mhz = 0;
   }

@@ -2,9 +2,9 @@
 // performance counter, or, without a time-stamp counter, the time of a loop of instructions of
 // known cost.
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
-#include <vector>
 
 #include "inventory/inventory_impl.h"
 #include "platform/handles.h"
@@ -67,23 +67,30 @@ std::int64_t RoundedQuotient(std::int64_t a, std::int64_t b) {
   return a / b + (a % b > b / 2 ? 1 : 0);
 }
 
-// Whether each of the last three pass figures lies within 4/3 of their mean.
-bool LastThreeAgree(const std::vector<std::int64_t>& figures) {
-  if (figures.size() < 3) {
-    return false;
+// The frequency figure of each pass so far. Kept on the stack: a processor fault abandons the
+// measurement's frames without destroying what they hold.
+struct PassFigures {
+  std::array<std::int64_t, kMaxPasses> figures{};
+  int count = 0;
+
+  // Whether each of the last three figures lies within 4/3 of their mean.
+  bool LastThreeAgree() const {
+    if (count < 3) {
+      return false;
+    }
+    const auto end = figures.begin() + count;
+    const std::int64_t sum = end[-3] + end[-2] + end[-1];
+    return std::all_of(end - 3, end,
+                       [sum](std::int64_t figure) { return std::llabs(3 * figure - sum) < 4; });
   }
-  const auto last = figures.end() - 3;
-  const std::int64_t sum = last[0] + last[1] + last[2];
-  return std::all_of(last, figures.end(),
-                     [sum](std::int64_t figure) { return std::llabs(3 * figure - sum) < 4; });
-}
+};
 
 SpeedFigures CounterMethod(std::int64_t frequency) {
   std::int64_t totalCycles = 0;
   std::int64_t totalMicroseconds = 0;
-  std::vector<std::int64_t> figures;
+  PassFigures passes;
   HANDLE self = platform::GetCurrentThread();
-  for (int pass = 0; pass < kMaxPasses && !LastThreeAgree(figures); ++pass) {
+  for (int pass = 0; pass < kMaxPasses && !passes.LastThreeAgree(); ++pass) {
     // The timed stretch runs at the highest priority, so that little else runs inside it.
     const int priority = platform::GetThreadPriority(self);
     const bool raised = priority != THREAD_PRIORITY_ERROR_RETURN &&
@@ -104,7 +111,8 @@ SpeedFigures CounterMethod(std::int64_t frequency) {
     }
     const std::int64_t microseconds = TicksToMicroseconds(now - startCount, frequency);
     const auto cycles = static_cast<std::int64_t>(endStamp - startStamp);
-    figures.push_back(RoundedQuotient(cycles, microseconds));
+    passes.figures[static_cast<std::size_t>(passes.count++)] =
+        RoundedQuotient(cycles, microseconds);
     totalCycles += cycles;
     totalMicroseconds += microseconds;
   }

@@ -115,10 +115,20 @@ bool ForEveryDhcpAdapter(Each each) {
   return allSucceeded;
 }
 
+// Windows 9x, 2000, XP or NT 4; on any other system every request fails at once, without
+// waiting.
+bool IsKnownFamily(OS& os) {
+  return os.IsWin9x() || os.IsWin2000() || os.IsWinXP() || os.IsWinNT4();
+}
+
 }  // namespace
 
 bool DhcpReleaseRenew_impl::Release(const std::string& adapter) {
-  if (OS().IsWin9x()) {
+  OS os;
+  if (!IsKnownFamily(os)) {
+    return false;
+  }
+  if (os.IsWin9x()) {
     live::VxdReleaseLease(adapter);
   } else {
     SendNtRequest(adapter, Request::Release);
@@ -129,8 +139,12 @@ bool DhcpReleaseRenew_impl::Release(const std::string& adapter) {
 
 // On Windows 9x a renewal is always a release followed by a renewal.
 bool DhcpReleaseRenew_impl::Renew(const std::string& adapter) {
+  OS os;
+  if (!IsKnownFamily(os)) {
+    return false;
+  }
   platform::Sleep(kBeforeRenewWait);
-  if (OS().IsWin9x()) {
+  if (os.IsWin9x()) {
     live::VxdReleaseLease(adapter);
     platform::Sleep(kBetweenVxdRequestsWait);
     live::VxdRenewLease(adapter);
@@ -142,11 +156,15 @@ bool DhcpReleaseRenew_impl::Renew(const std::string& adapter) {
 }
 
 bool DhcpReleaseRenew_impl::ReleaseAll() {
-  return ForEveryDhcpAdapter([this](const std::string& adapter) { return Release(adapter); });
+  OS os;
+  return IsKnownFamily(os) &&
+         ForEveryDhcpAdapter([this](const std::string& adapter) { return Release(adapter); });
 }
 
 bool DhcpReleaseRenew_impl::RenewAll() {
-  return ForEveryDhcpAdapter([this](const std::string& adapter) { return Renew(adapter); });
+  OS os;
+  return IsKnownFamily(os) &&
+         ForEveryDhcpAdapter([this](const std::string& adapter) { return Renew(adapter); });
 }
 
 DhcpReleaseRenew::DhcpReleaseRenew() = default;

@@ -79,18 +79,19 @@ int CountDialupAdapters(RegWiz& registry) {
   return count;
 }
 
+// A device whose "Driver" names any VPN class entry: an entry left over from an earlier
+// installation, used by no device, must not hide the one in use.
 bool IsVpnAdapterInstalled(RegWiz& registry) {
-  const std::vector<std::string> entries = SubKeys(registry, kNetClass);
-  const auto pptp = std::find_if(entries.begin(), entries.end(), [&](const std::string& entry) {
-    return ReadText(registry, std::string(kNetClass) + "\\" + entry, "DeviceVxDs") == kPptpDriver;
-  });
-  if (pptp == entries.end()) {
-    return false;
+  std::vector<std::string> vpnDrivers;
+  for (const std::string& entry : SubKeys(registry, kNetClass)) {
+    if (ReadText(registry, std::string(kNetClass) + "\\" + entry, "DeviceVxDs") == kPptpDriver) {
+      vpnDrivers.push_back("Net\\" + entry);
+    }
   }
-  const std::string driver = "Net\\" + *pptp;
   const std::vector<std::string> devices = SubKeys(registry, kRootNet);
   return std::any_of(devices.begin(), devices.end(), [&](const std::string& device) {
-    return ReadText(registry, DevicePath(device), "Driver") == driver;
+    const std::string driver = ReadText(registry, DevicePath(device), "Driver");
+    return std::find(vpnDrivers.begin(), vpnDrivers.end(), driver) != vpnDrivers.end();
   });
 }
 

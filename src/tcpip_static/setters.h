@@ -17,7 +17,8 @@ using WinsState = StaticTcpipInfo::WINS_STATE;
 
 enum class AddressValue { IpAddress, SubnetMask, DefaultGateway };
 
-// Every setter returns false without writing when the cookie names no adapter of the family.
+// Every setter returns false without writing when the cookie names no adapter of the family;
+// the NT 4 DNS setters act on the machine-wide parameters and need no adapter.
 class SetterBranch {
  public:
   virtual ~SetterBranch() = default;

@@ -36,9 +36,7 @@ bool NtSetters::EnableDhcp(const Cookie& cookie, bool enable) {
     if (!registry_.SetDwordKeyVal(HKEY_LOCAL_MACHINE, key.c_str(), "EnableDHCP", 0)) {
       return false;
     }
-    registry_.DeleteKeyVal(HKEY_LOCAL_MACHINE, key.c_str(), "DhcpIPAddress");
-    registry_.DeleteKeyVal(HKEY_LOCAL_MACHINE, key.c_str(), "DhcpSubnetMask");
-    return true;
+    return DeleteIfPresent(key, "DhcpIPAddress") && DeleteIfPresent(key, "DhcpSubnetMask");
   }
   return WriteList(key, "SubnetMask", {"0.0.0.0"}) && WriteList(key, "IPAddress", {"0.0.0.0"}) &&
          WriteList(key, "DefaultGateway", {}) &&
@@ -53,6 +51,12 @@ bool NtSetters::MakeDnsStatic(const Cookie& cookie, bool isStatic) {
     return false;
   }
   return isStatic || SetNameServers(cookie, {});
+}
+
+// A value that is not there needs no deleting; a deletion the registry refuses is a failed write.
+bool NtSetters::DeleteIfPresent(const std::string& key, const char* name) {
+  return !registry_.DoesValNameExist(HKEY_LOCAL_MACHINE, key.c_str(), name) ||
+         registry_.DeleteKeyVal(HKEY_LOCAL_MACHINE, key.c_str(), name);
 }
 
 bool NtSetters::WriteText(const std::string& key, const char* name, const std::string& value) {

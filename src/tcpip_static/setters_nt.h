@@ -23,6 +23,7 @@ class NtSetters : public SetterBranch {
 
   bool WriteText(const std::string& key, const char* name, const std::string& value);
   bool WriteList(const std::string& key, const char* name, const std::vector<std::string>& list);
+  bool DeleteIfPresent(const std::string& key, const char* name);
 
   RegWiz registry_;
 };

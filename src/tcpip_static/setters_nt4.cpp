@@ -13,13 +13,13 @@ constexpr const char* kNetBtAdapters = "System\\CurrentControlSet\\Services\\Net
 
 class Nt4Setters : public NtSetters {
  public:
-  bool SetNameServers(const Cookie& cookie, const std::vector<std::string>& servers) override {
-    return TcpipReady(cookie) &&
-           WriteText(kNtTcpipParameters, "NameServer", JoinServers(servers, " "));
+  // DNS is machine-wide here: the card need not have TCP/IP parameters of its own.
+  bool SetNameServers(const Cookie& /*cookie*/, const std::vector<std::string>& servers) override {
+    return TcpipReady() && WriteText(kNtTcpipParameters, "NameServer", JoinServers(servers, " "));
   }
 
-  bool SetDomainName(const Cookie& cookie, const std::string& domain) override {
-    return TcpipReady(cookie) && WriteText(kNtTcpipParameters, "Domain", domain);
+  bool SetDomainName(const Cookie& /*cookie*/, const std::string& domain) override {
+    return TcpipReady() && WriteText(kNtTcpipParameters, "Domain", domain);
   }
 
   bool SetWinsState(const Cookie& cookie, WinsState state) override {
@@ -30,7 +30,7 @@ class Nt4Setters : public NtSetters {
   // is written as empty text.
   bool SetWinsServers(const Cookie& cookie, const std::vector<std::string>& servers) override {
     std::string service;
-    if (TcpipKey(cookie).empty() || !CookieText(cookie, service)) {
+    if (!CookieText(cookie, service) || service.empty()) {
       return false;
     }
     wstring key;
@@ -64,9 +64,8 @@ class Nt4Setters : public NtSetters {
   }
 
  private:
-  bool TcpipReady(const Cookie& cookie) {
-    return !TcpipKey(cookie).empty() && IsTcpipInstalled() &&
-           registry_.DoesKeyExist(HKEY_LOCAL_MACHINE, kNtTcpipParameters);
+  bool TcpipReady() {
+    return IsTcpipInstalled() && registry_.DoesKeyExist(HKEY_LOCAL_MACHINE, kNtTcpipParameters);
   }
 };
 

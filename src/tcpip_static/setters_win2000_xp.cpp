@@ -27,7 +27,8 @@ class Win2000XpSetters : public NtSetters {
 
   // NetBT has no state of its own: WINS is on exactly while "NameServerList" has servers. On
   // keeps the servers there are; off and "from DHCP" (which the NT family cannot express)
-  // empty the list.
+  // empty the list. Like the servers' setter, true once the cookie names an interface, whether
+  // or not NetBT has a key for it.
   bool SetWinsState(const Cookie& cookie, WinsState state) override {
     const std::string key = NetBtKey(cookie);
     if (key.empty()) {
@@ -61,9 +62,11 @@ class Win2000XpSetters : public NtSetters {
   }
 
  private:
-  std::string NetBtKey(const Cookie& cookie) {
+  // NetBT's key of the interface, whether or not it or the TCP/IP interface key exists; empty
+  // only for a cookie that names no interface at all.
+  static std::string NetBtKey(const Cookie& cookie) {
     std::string id;
-    if (TcpipKey(cookie).empty() || !CookieText(cookie, id)) {
+    if (!CookieText(cookie, id) || id.empty()) {
       return {};
     }
     return kNetBtInterfaces + id;

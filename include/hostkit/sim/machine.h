@@ -95,6 +95,9 @@ struct ProcessorFacts {
   bool hasCpuid = true;
   /// the time-stamp counter is available
   bool hasTimeStampCounter = true;
+  // Reading the time-stamp counter raises a processor fault, as where the system reserves the
+  // instruction for itself.
+  bool timeStampCounterFaults = false;
 };
 
 /// A drive: its GetDriveTypeA answer (DRIVE_FIXED = 3, ...) and its size in bytes.

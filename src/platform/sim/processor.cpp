@@ -8,6 +8,7 @@
 
 #include "hostkit/sim/machine.h"
 #include "platform/sim/machine_time.h"
+#include "platform/sim/processor_fault.h"
 
 namespace Hostkit::sim {
 
@@ -85,6 +86,9 @@ std::uint64_t ReadTimeStampCounter() {
   const sim::ProcessorFacts& cpu = machine->facts().processor;
   if (!cpu.hasTimeStampCounter) {
     return 0;
+  }
+  if (cpu.timeStampCounterFaults) {
+    sim::RaiseProcessorFault("RDTSC");
   }
   return sim::ScaleTime(machine->clock().now(), std::uint64_t{cpu.mhz} * 1000000);
 }

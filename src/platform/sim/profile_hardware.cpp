@@ -94,6 +94,8 @@ bool FieldReader::Processor(const Json& value) {
       ok = Bool(field, at, cpu.hasCpuid);
     } else if (key == "timeStampCounter") {
       ok = Bool(field, at, cpu.hasTimeStampCounter);
+    } else if (key == "timeStampCounterFaults") {
+      ok = Bool(field, at, cpu.timeStampCounterFaults);
     } else {
       ok = Fail(at, "unknown field \"" + key + "\" in \"processor\"");
     }
@@ -197,6 +199,9 @@ void WriteHardwareFields(const Machine& machine, OrderedJson& json) {
                        {"timeStampCounter", cpu.hasTimeStampCounter}};
   if (vendorOk) {
     json["processor"]["vendor"] = vendor;
+  }
+  if (cpu.timeStampCounterFaults) {
+    json["processor"]["timeStampCounterFaults"] = true;
   }
   json["performanceFrequency"] = facts.performanceFrequency;
   json["memory"] = facts.totalPhysicalMemory;

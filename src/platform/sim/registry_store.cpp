@@ -432,8 +432,17 @@ LONG RegistryStore::deleteValue(HKEY key, std::u16string_view name, CharWidth wi
   if (it == values.end()) {
     return ERROR_FILE_NOT_FOUND;
   }
+  if (std::any_of(undeletableValues_.begin(), undeletableValues_.end(),
+                  [&](const std::u16string& refused) { return SameName(refused, name); })) {
+    return ERROR_ACCESS_DENIED;
+  }
   values.erase(it);
   return ERROR_SUCCESS;
+}
+
+void RegistryStore::refuseDeletionOf(std::u16string valueName) {
+  std::lock_guard lock(mutex_);
+  undeletableValues_.push_back(std::move(valueName));
 }
 
 // Windows opens the subkey itself for deletion, so the rights of `key` do not matter. An empty

@@ -123,6 +123,11 @@ class RegistryStore {
   void setCurrentUserKey(std::u16string name);
   std::u16string currentUserKey() const;
 
+  // From now on RegDeleteValue of a value of this name (in any key) answers
+  // ERROR_ACCESS_DENIED while writes still succeed: a deletion the registry refuses, for tests
+  // of how callers take one.
+  void refuseDeletionOf(std::u16string valueName);
+
   // A deep copy of the registry, for saving and for comparing a registry before and after.
   RegistrySnapshot snapshot() const;
   // Replaces the whole registry by `snapshot`. Handles open on the old tree answer
@@ -153,6 +158,7 @@ class RegistryStore {
 
   Machine& owner_;
   mutable std::mutex mutex_;
+  std::vector<std::u16string> undeletableValues_;
   std::shared_ptr<RegistryNode> localMachine_;
   std::shared_ptr<RegistryNode> users_;
   std::shared_ptr<RegistryNode> dynData_;
