@@ -8,7 +8,8 @@
 # build tree (Debian's 32-bit Wine cannot be relied on here). Prints one line per release:
 #   win98: 212 passed, 0 failed, 9 skipped
 # and fails when any release has a failing test. It also runs a program built against the
-# installed headers and import library (scripts/check-consumer.sh).
+# installed headers and import library (scripts/check-consumer.sh), and the example program
+# built against the installed package (scripts/check-package.sh --windows).
 # HOSTKIT_JOBS sets the number of parallel build jobs (default 2).
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -17,11 +18,12 @@ jobs="${HOSTKIT_JOBS:-2}"
 bash scripts/install-deps.sh --windows
 # GCC 12 at -O3 warns falsely inside std::string for i686, so the release builds use -O2.
 release=(-DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS_RELEASE=-O2 -DNDEBUG")
-cmake -S . -B build-win32 -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-i686.cmake "${release[@]}"
+cmake -S . -B build-win32 -G Ninja -DHOSTKIT_WERROR=ON -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-i686.cmake \
+  "${release[@]}"
 # The DLL and the tool only: Debian's GoogleTest needs std::mutex on Windows, which the Win32
 # thread model's runtime lacks, so the test program is built by the x86-64 leg alone.
 cmake --build build-win32 -j "$jobs" --target Hostkit3 hostkit
-cmake -S . -B build-win -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake
+cmake -S . -B build-win -G Ninja -DHOSTKIT_WERROR=ON -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake
 cmake --build build-win -j "$jobs"
 
 # Every import of the shipped build present on all six releases. (The x86-64 build still uses
@@ -65,6 +67,8 @@ wine reg add 'HKCU\Software\Wine' /v Version /d winxp /f >/dev/null 2>&1
 
 # A program outside the library, linked against the import library only.
 bash scripts/check-consumer.sh || failed=1
+# The installed package: the example built against it with CMake and pkg-config, run under Wine.
+bash scripts/check-package.sh --windows || failed=1
 wineserver --wait
 
 printf '%s\n' "${summary[@]}"

@@ -1,7 +1,7 @@
 // Usb: USB support and port counts, and the shell that forwards to Usb_impl.
 #include "foundation/shell_impl.h"
-#include "hostkit/os.h"
 #include "hostkit/device_manager.h"
+#include "hostkit/os.h"
 #include "inventory/usb_impl.h"
 
 namespace Hostkit {
