@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "hostkit/regwiz.h"
 #include "hostkit/static_tcpip.h"
 #include "hostkit/strings.h"
 #include "support/network_fixture.h"
@@ -155,8 +156,12 @@ TEST_P(StaticTcpipSetters, SettingsKeptOutsideTheCardsTcpipKeyNeedNoSuchKey) {
   EXPECT_EQ(info_.SetDomainName(card, "example.org"), nt4);
   if (nt4) {
     const char* parameters = "System\\CurrentControlSet\\Services\\Tcpip\\Parameters";
-    EXPECT_EQ(RawValue(parameters, "NameServer"), "10.0.0.53 10.0.0.54");
-    EXPECT_EQ(RawValue(parameters, "Domain"), "example.org");
+    std::string servers;
+    std::string domain;
+    Hostkit::RegWiz().GetKeyVal(HKEY_LOCAL_MACHINE, parameters, "NameServer", servers);
+    Hostkit::RegWiz().GetKeyVal(HKEY_LOCAL_MACHINE, parameters, "Domain", domain);
+    EXPECT_EQ(servers, "10.0.0.53 10.0.0.54");
+    EXPECT_EQ(domain, "example.org");
   }
 }
 
