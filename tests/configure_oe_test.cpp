@@ -326,11 +326,12 @@ TEST_P(OutlookExpress, UnnamedAccountGoesWhereUseIdentitySays) {
   SavedTrees saved;
   hostkit_test::registry_probe::DeleteTree(HKEY_CURRENT_USER, kShared);
   hostkit_test::registry_probe::DeleteTree(HKEY_CURRENT_USER, kIdentities);
+  Hostkit::RegWiz reg;
+  ASSERT_TRUE(reg.CreateKey(HKEY_CURRENT_USER, kIdentities));  // a mail client with no identity
   ConfigureOE oe;
   ASSERT_TRUE(oe.SetAccount(Account("Bob", "Work")));  // Bob becomes the default identity
   const std::string shared = std::string(kShared) + "\\Accounts";
   const std::string bob = "Identities\\" + Read(kIdentities, "Default User ID") + "\\" + shared;
-  Hostkit::RegWiz reg;
   ASSERT_TRUE(reg.CreateKey(HKEY_CURRENT_USER, (bob + "\\00000007").c_str()));
   ASSERT_TRUE(reg.CreateKey(HKEY_CURRENT_USER, (shared + "\\00000003").c_str()));
   for (const bool useIdentity : {true, false}) {
