@@ -48,20 +48,22 @@ enum DEVICE_CLASS {
   DEVICE_CLASS_CDROM,    ///< CD-ROM drives ("CDROM")
 };
 
+/// The device inventory: devices by class with their resources, the free interrupts and DMA
+/// channels, and USB presence (see the file comment for where each family keeps them).
 class HOSTKIT_API DeviceManager {
  public:
   /// An inclusive range of I/O ports or memory addresses.
   struct Range {
-    unsigned long start = 0;
-    unsigned long end = 0;
+    unsigned long start = 0;  ///< the first port or address
+    unsigned long end = 0;    ///< the last port or address
   };
 
   /// The resources a device was given.
   struct Resources {
-    std::vector<int> irqs;         ///< interrupt request lines
-    std::vector<int> dmaChannels;  ///< DMA channels
-    std::vector<Range> ioRanges;
-    std::vector<Range> memoryRanges;
+    std::vector<int> irqs;            ///< interrupt request lines
+    std::vector<int> dmaChannels;     ///< DMA channels
+    std::vector<Range> ioRanges;      ///< I/O port ranges
+    std::vector<Range> memoryRanges;  ///< memory address ranges
   };
 
   /// One device, its text in the system's ANSI code page.
@@ -71,13 +73,16 @@ class HOSTKIT_API DeviceManager {
     std::string driver;         ///< the driver key (9x, 2000, XP) or service name (NT 4)
     unsigned long status = 0;   ///< the devnode's status flags (0 on NT 4)
     unsigned long problem = 0;  ///< the devnode's problem code, 0 when it works
-    Resources resources;
+    Resources resources;        ///< what the device was given
   };
 
+  ///@{
+  /// Creating, copying and destroying: the object keeps only the driver name SetVXD gives it.
   DeviceManager();
   DeviceManager(const DeviceManager& other);
   DeviceManager& operator=(const DeviceManager& other);
   ~DeviceManager();
+  ///@}
 
   /// The device inventory driver ("DevMngr.VXD") the caller has for Windows 9x; kept, not
   /// loaded (see the file comment).

@@ -34,6 +34,8 @@ namespace Hostkit {
 
 class RasInterface_impl;
 
+/// Dial-up phonebook entries, dialling, devices, connections and error texts over the Remote
+/// Access API (see the file comment).
 class HOSTKIT_API RasInterface {
  public:
   /// The kind of a dial-up device, from the type Remote Access gives it.
@@ -46,57 +48,70 @@ class HOSTKIT_API RasInterface {
 
   /// A dial-up device.
   struct DeviceInfo {
-    std::string name;      ///< e.g. "Standard 56000 bps Modem"
-    std::string typeName;  ///< the type as Remote Access names it, e.g. "modem"
-    DEVICE_TYPE type = DEVICE_TYPE_OTHER;
+    std::string name;                      ///< e.g. "Standard 56000 bps Modem"
+    std::string typeName;                  ///< the type as Remote Access names it, e.g. "modem"
+    DEVICE_TYPE type = DEVICE_TYPE_OTHER;  ///< the kind, from `typeName`
   };
 
   /// The main properties of a phonebook entry.
   struct EntryInfo {
-    std::string name;
-    std::string areaCode;
-    std::string phoneNumber;  ///< the local number
-    unsigned long countryCode = 0;
-    std::string deviceType;
-    std::string deviceName;
+    std::string name;               ///< the entry's name in the phonebook
+    std::string areaCode;           ///< the area code, empty when none is used
+    std::string phoneNumber;        ///< the local number
+    unsigned long countryCode = 0;  ///< the country code, e.g. 1 or 49
+    std::string deviceType;         ///< the type of the device it dials with, e.g. "modem"
+    std::string deviceName;         ///< the name of the device it dials with
   };
 
   /// An active connection (connected or still connecting).
   struct ConnectionInfo {
-    std::string entry;
-    std::string deviceName;
+    std::string entry;        ///< the phonebook entry dialled
+    std::string deviceName;   ///< the device the call uses
     bool connected = false;   ///< the connection's state is "connected"
     unsigned long error = 0;  ///< the Remote Access error that ended the attempt, 0 if none
   };
 
+  ///@{
+  /// Creating, copying and destroying: the object keeps only its last Remote Access error.
   RasInterface();
   RasInterface(const RasInterface& other);
   RasInterface& operator=(const RasInterface& other);
   ~RasInterface();
+  ///@}
 
   /// Names of the phonebook entries; empty when there are none or they cannot be read.
   std::vector<std::string> GetEntries();
+  ///@{
   /// The entry's main properties; false when it does not exist or cannot be read.
   bool GetEntry(const std::string& name, EntryInfo& info);
   bool GetEntry(const wstring& name, EntryInfo& info);
+  ///@}
+  ///@{
   /// Creates the entry `name` as a copy of the entry `templateName`, with `phoneNumber` as its
   /// local number unless that is empty. False when `name` exists already, the template cannot
   /// be read or the new entry cannot be written.
   bool CreateEntry(const std::string& name, const std::string& templateName,
                    const std::string& phoneNumber);
   bool CreateEntry(const wstring& name, const wstring& templateName, const wstring& phoneNumber);
+  ///@}
+  ///@{
   /// Deletes the entry; false when it does not exist or cannot be deleted.
   bool DeleteEntry(const std::string& name);
   bool DeleteEntry(const wstring& name);
+  ///@}
 
+  ///@{
   /// Dials the entry with its saved credentials and waits up to `timeoutMilliseconds` for the
   /// connection; true once connected. On failure or time-out the call is hung up.
   bool Dial(const std::string& name, unsigned long timeoutMilliseconds);
   bool Dial(const wstring& name, unsigned long timeoutMilliseconds);
+  ///@}
+  ///@{
   /// Hangs up every connection of the entry and waits up to three seconds for each to end;
   /// false when the entry has no connection or a hang-up is refused.
   bool HangUp(const std::string& name);
   bool HangUp(const wstring& name);
+  ///@}
 
   /// The dial-up devices Remote Access can use.
   std::vector<DeviceInfo> GetDevices();

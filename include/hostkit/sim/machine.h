@@ -95,8 +95,8 @@ struct ProcessorFacts {
   bool hasCpuid = true;
   /// the time-stamp counter is available
   bool hasTimeStampCounter = true;
-  // Reading the time-stamp counter raises a processor fault, as where the system reserves the
-  // instruction for itself.
+  /// reading the time-stamp counter raises a processor fault, as where the system reserves the
+  /// instruction for itself
   bool timeStampCounterFaults = false;
 };
 
@@ -323,44 +323,44 @@ class HOSTKIT_API WindowTree {
 /// and XP): its status flags, problem code and the name of its physical device object
 /// ("\Device\00000042"), under which the resource map keeps its resources.
 struct SimDevNode {
-  DWORD status = 0x0180200A;  // started, driver loaded, enumerated, in the device tree
-  DWORD problem = 0;
-  std::string deviceObject;
+  DWORD status = 0x0180200A;  ///< started, driver loaded, enumerated, in the device tree
+  DWORD problem = 0;          ///< the problem code, 0 when the device works
+  std::string deviceObject;   ///< "\Device\00000042", empty when it has none
 };
 
 /// A dial-up device Remote Access can use: its name and its type ("modem", "isdn", "vpn", ...).
 struct SimRasDevice {
-  std::string name;
-  std::string type = "modem";
+  std::string name;            ///< e.g. "Standard 56000 bps Modem"
+  std::string type = "modem";  ///< "modem", "isdn", "vpn", ...
 };
 
 /// A phonebook entry and what dialling it does: after `delayMs` of virtual time it connects
 /// (`error` 0) or fails with the Remote Access error `error` (676 busy, 678 no answer, ...).
 struct SimRasEntry {
-  std::string areaCode;
-  std::string phoneNumber;
-  DWORD countryCode = 1;
-  std::string deviceType = "modem";
-  std::string deviceName;
-  DWORD delayMs = 2000;
-  DWORD error = 0;
+  std::string areaCode;              ///< the area code, empty when none is used
+  std::string phoneNumber;           ///< the local number
+  DWORD countryCode = 1;             ///< the country code
+  std::string deviceType = "modem";  ///< the type of the device it dials with
+  std::string deviceName;            ///< the device it dials with
+  DWORD delayMs = 2000;              ///< virtual time from dialling to the outcome
+  DWORD error = 0;                   ///< 0: connects; else the error the call fails with
 };
 
 /// A call Remote Access made: ready at virtual time `readyAt` (nanoseconds), connected then
 /// unless `error` says it failed.
 struct SimRasConnection {
-  HANDLE handle = nullptr;
-  std::string entry;
-  std::string deviceName;
-  std::uint64_t readyAt = 0;
-  DWORD error = 0;
+  HANDLE handle = nullptr;    ///< the connection handle the caller holds
+  std::string entry;          ///< the phonebook entry dialled
+  std::string deviceName;     ///< the device the call uses
+  std::uint64_t readyAt = 0;  ///< virtual time (nanoseconds) of the outcome
+  DWORD error = 0;            ///< 0: connected at `readyAt`; else the error it fails with
 };
 
 /// Remote Access on the machine: devices, the default phonebook and the calls not hung up.
 struct SimRas {
-  std::vector<SimRasDevice> devices;
-  std::map<std::string, SimRasEntry, NoCaseLess> entries;
-  std::vector<SimRasConnection> connections;
+  std::vector<SimRasDevice> devices;                       ///< the dial-up devices
+  std::map<std::string, SimRasEntry, NoCaseLess> entries;  ///< the default phonebook
+  std::vector<SimRasConnection> connections;               ///< calls not hung up
 };
 
 /// Makes one call of a family of seam calls fail as Windows fails it, so that a test can check
@@ -371,15 +371,21 @@ struct SimRas {
 /// module loads, device control requests and file opens fail with the error as the last error.
 enum class FaultFamily { Registry, ModuleLoad, DeviceControl, FileOpen };
 
+/// The failure plan of one machine (see FaultFamily): at most one family armed at a time.
 class HOSTKIT_API FaultInjection {
  public:
+  /// Makes the `n`-th call of `family` from now fail with `error`, and every later one too
+  /// when `forever`.
   void arm(FaultFamily family, std::uint64_t n, DWORD error, bool forever = false);
+  /// Cancels the plan: no call fails.
   void disarm();
   /// Counts a call of `family`; true when it must fail, with the error to answer.
   bool failNow(FaultFamily family, DWORD& error);
+  ///@{
   /// Calls of the armed family counted since it was armed, and whether any of them failed.
   std::uint64_t calls() const;
   bool fired() const;
+  ///@}
 
  private:
   mutable std::mutex mutex_;
