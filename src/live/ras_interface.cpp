@@ -33,10 +33,28 @@ std::string Field(const char (&text)[N]) {
   return std::string(text, strnlen(text, N));
 }
 
-RasInterface::DEVICE_TYPE TypeOf(const std::string& typeName) {
-  std::string lower = typeName;
-  std::transform(lower.begin(), lower.end(), lower.begin(),
+std::string Lower(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+// Whether a phonebook listing that could be read lacks the entry (names match without regard
+// to case). Some Remote Access implementations answer success to a record query or a deletion
+// of an entry they do not hold; the listing says what the phonebook has.
+bool ListingLacks(const std::string& name) {
+  std::vector<ras::EntryName> entries;
+  if (RasApiBinding().EnumEntries(entries) != ras::kSuccess) {
+    return false;  // no listing: the call itself answers
+  }
+  const std::string wanted = Lower(name);
+  return std::none_of(entries.begin(), entries.end(), [&](const ras::EntryName& entry) {
+    return Lower(Field(entry.szEntryName)) == wanted;
+  });
+}
+
+RasInterface::DEVICE_TYPE TypeOf(const std::string& typeName) {
+  const std::string lower = Lower(typeName);
   if (lower == "modem") {
     return RasInterface::DEVICE_TYPE_MODEM;
   }
@@ -98,6 +116,9 @@ std::vector<std::string> RasInterface_impl::GetEntries() {
 
 bool RasInterface_impl::GetEntry(const std::string& name, RasInterface::EntryInfo& info) {
   std::vector<BYTE> record;
+  if (ListingLacks(name)) {
+    return Keep(ras::kCannotFindEntry);
+  }
   if (!Keep(RasApiBinding().GetEntryProperties(name, record))) {
     return false;
   }
@@ -134,6 +155,9 @@ bool RasInterface_impl::CreateEntry(const std::string& name, const std::string& 
 }
 
 bool RasInterface_impl::DeleteEntry(const std::string& name) {
+  if (ListingLacks(name)) {
+    return Keep(ras::kCannotFindEntry);
+  }
   return Keep(RasApiBinding().DeleteEntry(name));
 }
 
