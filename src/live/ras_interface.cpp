@@ -90,7 +90,8 @@ std::vector<ras::HRASCONN> ConnectionsOf(const RasApiBinding& api, const std::st
   result = api.EnumConnections(connections);
   for (const ras::Connection& connection : connections) {
     if (Field(connection.szEntryName) == name) {
-      handles.push_back(connection.hrasconn);
+      // A copy: the record is packed, so its handle may sit at an address no reference may bind.
+      handles.push_back(ras::HRASCONN{connection.hrasconn});
     }
   }
   return handles;
