@@ -144,7 +144,18 @@ void ExpectEverySetterRefuses(const StaticTcpipInfo::Cookie& cookie) {
   EXPECT_FALSE(info.SetStaticWinsServers(cookie, {"10.0.0.5"}));
 }
 
-class StaticTcpipSetterFailures : public hostkit_test::SimPerRelease {};
+class StaticTcpipSetterFailures : public hostkit_test::SimPerRelease {
+ protected:
+  // Loads the release's network machine into `fixture` and finds its primary card.
+  void LoadPrimaryCard(hostkit_test::NetworkFixture& fixture, StaticTcpipInfo::Cookie& cookie) {
+    std::string error;
+    ASSERT_TRUE(fixture.Load(GetParam(), error)) << error;
+    std::vector<StaticTcpipInfo::AdapterInfo> adapters;
+    ASSERT_TRUE(StaticTcpipInfo().GetAdapterInfo(adapters));
+    cookie = adapters.at(static_cast<size_t>(StaticTcpipInfo().GetPrimaryNicIndex(adapters)))
+                 .GetCookie();
+  }
+};
 
 TEST_P(StaticTcpipSetterFailures, UnknownCookieWritesNothing) {
   std::string error;
@@ -182,14 +193,10 @@ TEST_P(StaticTcpipSetterFailures, RefusedDeletionFailsTheSwitchToStatic) {
     GTEST_SKIP() << "Windows 9x keeps no DHCP values to delete";
   }
   for (const char16_t* refused : {u"DhcpIPAddress", u"DhcpSubnetMask"}) {
-    std::string error;
     hostkit_test::NetworkFixture fixture;
-    ASSERT_TRUE(fixture.Load(GetParam(), error)) << error;
-    std::vector<StaticTcpipInfo::AdapterInfo> adapters;
+    StaticTcpipInfo::Cookie cookie;
+    ASSERT_NO_FATAL_FAILURE(LoadPrimaryCard(fixture, cookie));
     StaticTcpipInfo info;
-    ASSERT_TRUE(info.GetAdapterInfo(adapters));
-    const auto cookie =
-        adapters.at(static_cast<size_t>(info.GetPrimaryNicIndex(adapters))).GetCookie();
     EXPECT_TRUE(info.EnableDHCP(cookie, false));
     EXPECT_TRUE(info.EnableDHCP(cookie, false));  // nothing left to delete
     ASSERT_TRUE(info.EnableDHCP(cookie, true));
@@ -203,14 +210,10 @@ TEST_P(StaticTcpipSetterFailures, TcpipNotInstalledWritesNothing) {
   if (GetParam() == Release::WinXP) {
     GTEST_SKIP() << "TCP/IP is always installed on Windows XP";
   }
-  std::string error;
   hostkit_test::NetworkFixture fixture;
-  ASSERT_TRUE(fixture.Load(GetParam(), error)) << error;
-  std::vector<StaticTcpipInfo::AdapterInfo> adapters;
+  StaticTcpipInfo::Cookie cookie;
+  ASSERT_NO_FATAL_FAILURE(LoadPrimaryCard(fixture, cookie));
   StaticTcpipInfo info;
-  ASSERT_TRUE(info.GetAdapterInfo(adapters));
-  const auto cookie =
-      adapters.at(static_cast<size_t>(info.GetPrimaryNicIndex(adapters))).GetCookie();
   const char* marker = isWin9x() ? "System\\CurrentControlSet\\Services\\VxD\\MSTCP"
                        : GetParam() == Release::Win2000
                            ? "SOFTWARE\\Microsoft\\TCPIP\\CurrentVersion"
