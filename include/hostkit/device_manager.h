@@ -66,7 +66,9 @@ class HOSTKIT_API DeviceManager {
     std::vector<Range> memoryRanges;  ///< memory address ranges
   };
 
-  /// One device, its text in the system's ANSI code page.
+  /// One device, its text in the system's ANSI code page. There is no wide form: the 9x
+  /// registry and the NT 4 service keys hold ANSI text, and the descriptions SetupAPI gives on
+  /// 2000 and XP are in the system's own language, which its ANSI code page writes.
   struct DeviceInfo {
     std::string name;           ///< description as Device Manager shows it
     std::string hardwareId;     ///< the first hardware identifier; empty on NT 4
