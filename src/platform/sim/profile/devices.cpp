@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <string_view>
 
+#include "platform/sim/profile/ras.h"
 #include "platform/sim/profile/support.h"
 
 namespace Hostkit::sim {
@@ -89,7 +90,7 @@ class DeviceFieldReader {
       return Services(value);
     }
     if (key == "ras") {
-      return Ras(value);
+      return ReadRasField(value, machine_.ras(), keys_, what_);
     }
     return PresentDevices(value);
   }
@@ -157,7 +158,7 @@ class DeviceFieldReader {
       usb.role = SimUsb::Role::HostController;
       for (const auto& [field, member] : value.items()) {
         if ((field != "rootHub" && field != "driverKey") ||
-            !ReadString(member, field == "rootHub" ? usb.rootHub : usb.driverKey)) {
+            !JsonString(member, field == "rootHub" ? usb.rootHub : usb.driverKey)) {
           return Fail({"devices", device, "usb", field},
                       "a host controller has the strings \"rootHub\" and \"driverKey\"");
         }
@@ -201,7 +202,7 @@ class DeviceFieldReader {
       } else if (field == "device") {
         ok = member.is_string() && UsbDeviceId(member.get<std::string>(), port);
       } else if (field == "driverKey" || field == "hub") {
-        ok = ReadString(member, field == "hub" ? port.hub : port.driverKey);
+        ok = JsonString(member, field == "hub" ? port.hub : port.driverKey);
       } else if (field == "failing" && member.is_boolean()) {
         port.queryFails = member.get<bool>();
         ok = true;
@@ -210,14 +211,6 @@ class DeviceFieldReader {
         return false;
       }
     }
-    return true;
-  }
-
-  static bool ReadString(const Json& value, std::string& text) {
-    if (!value.is_string()) {
-      return false;
-    }
-    text = value.get<std::string>();
     return true;
   }
 
@@ -301,78 +294,15 @@ class DeviceFieldReader {
       SimDevNode node;
       for (const auto& [field, member] : item.items()) {
         const bool ok = field == "id" ||
-                        (field == "deviceObject" && ReadString(member, node.deviceObject)) ||
-                        (field == "status" && ReadNumber(member, node.status)) ||
-                        (field == "problem" && ReadNumber(member, node.problem));
+                        (field == "deviceObject" && JsonString(member, node.deviceObject)) ||
+                        (field == "status" && JsonDword(member, node.status)) ||
+                        (field == "problem" && JsonDword(member, node.problem));
         if (!ok) {
           return Fail({"presentDevices", id, field}, what);
         }
       }
       machine_.presentDevices().push_back(id);
       machine_.devNodes()[id] = node;
-    }
-    return true;
-  }
-
-  static bool ReadNumber(const Json& value, DWORD& number) {
-    if (!value.is_number_unsigned() || value.get<std::uint64_t>() > 0xFFFFFFFFU) {
-      return false;
-    }
-    number = static_cast<DWORD>(value.get<std::uint64_t>());
-    return true;
-  }
-
-  // { "devices": [ { "name": N, "type": T } ], "entries": { NAME: { "phone", "areaCode",
-  //   "country", "device", "deviceType", "delayMs", "error" } } }
-  bool Ras(const Json& value) {
-    if (!value.is_object()) {
-      return Fail({"ras"}, "\"ras\" must be an object of \"devices\" and \"entries\"");
-    }
-    SimRas& ras = machine_.ras();
-    for (const auto& [key, member] : value.items()) {
-      if (key == "devices" && member.is_array()) {
-        for (const Json& device : member) {
-          SimRasDevice simDevice;
-          if (!device.is_object() || !device.contains("name") ||
-              !ReadString(device["name"], simDevice.name) ||
-              (device.contains("type") && !ReadString(device["type"], simDevice.type)) ||
-              device.size() > (device.contains("type") ? 2U : 1U)) {
-            return Fail({"ras", "devices"}, "a RAS device is an object of \"name\" and \"type\"");
-          }
-          ras.devices.push_back(simDevice);
-        }
-      } else if (key == "entries" && member.is_object()) {
-        for (const auto& [name, entry] : member.items()) {
-          std::string field;
-          if (!RasEntry(entry, ras.entries[name], field)) {
-            return Fail({"ras", "entries", name, field},
-                        "an entry has the strings \"phone\", \"areaCode\", \"device\", "
-                        "\"deviceType\" and the numbers \"country\", \"delayMs\", \"error\"");
-          }
-        }
-      } else {
-        return Fail({"ras", key}, "\"ras\" has a list \"devices\" and an object \"entries\"");
-      }
-    }
-    return true;
-  }
-
-  static bool RasEntry(const Json& value, SimRasEntry& entry, std::string& at) {
-    if (!value.is_object()) {
-      return false;
-    }
-    for (const auto& [field, member] : value.items()) {
-      at = field;
-      const bool ok = (field == "phone" && ReadString(member, entry.phoneNumber)) ||
-                      (field == "areaCode" && ReadString(member, entry.areaCode)) ||
-                      (field == "device" && ReadString(member, entry.deviceName)) ||
-                      (field == "deviceType" && ReadString(member, entry.deviceType)) ||
-                      (field == "country" && ReadNumber(member, entry.countryCode)) ||
-                      (field == "delayMs" && ReadNumber(member, entry.delayMs)) ||
-                      (field == "error" && ReadNumber(member, entry.error));
-      if (!ok) {
-        return false;
-      }
     }
     return true;
   }
@@ -424,27 +354,6 @@ OrderedJson UsbJson(const SimUsb& usb) {
   }
   json["ports"] = ports;
   return json;
-}
-
-void WriteRas(const SimRas& ras, OrderedJson& json) {
-  if (ras.devices.empty() && ras.entries.empty()) {
-    return;
-  }
-  OrderedJson devices = OrderedJson::array();
-  for (const SimRasDevice& device : ras.devices) {
-    devices.push_back({{"name", device.name}, {"type", device.type}});
-  }
-  OrderedJson entries = OrderedJson::object();
-  for (const auto& [name, entry] : ras.entries) {
-    entries[name] = {{"phone", entry.phoneNumber},
-                     {"areaCode", entry.areaCode},
-                     {"country", entry.countryCode},
-                     {"device", entry.deviceName},
-                     {"deviceType", entry.deviceType},
-                     {"delayMs", entry.delayMs},
-                     {"error", entry.error}};
-  }
-  json["ras"] = {{"devices", devices}, {"entries", entries}};
 }
 
 }  // namespace
@@ -513,7 +422,7 @@ void WriteDeviceFields(Machine& machine, nlohmann::ordered_json& json) {
     }
     json["presentDevices"] = present;
   }
-  WriteRas(machine.ras(), json);
+  WriteRasField(machine.ras(), json);
 }
 
 }  // namespace Hostkit::sim

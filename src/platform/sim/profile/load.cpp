@@ -1,9 +1,8 @@
-// Loading machine profiles.
-//
-// nlohmann-json does not keep the positions of what it parsed, so a field found to be wrong
-// after parsing is located again in the text: the line of its key, searched for along the
-// chain of its parent keys. Every message is the loader's own: nlohmann's texts never reach
-// the user.
+// Loading machine profiles: the fields of the machine as a whole (release, version, language,
+// code pages, computer name, environment, drives, module path, registry files) here, each other
+// section by its own reader. A field found to be wrong is reported at the line of its key
+// (platform/sim/profile/json_positions.h). Every message is the loader's own: nlohmann's texts
+// never reach the user.
 #include <algorithm>
 #include <cstdint>
 #include <functional>
@@ -17,6 +16,7 @@
 #include "hostkit/sim/profile.h"
 #include "platform/sim/profile/devices.h"
 #include "platform/sim/profile/hardware.h"
+#include "platform/sim/profile/json_positions.h"
 #include "platform/sim/profile/network.h"
 #include "platform/sim/profile/support.h"
 #include "platform/sim/profile/windows.h"
@@ -36,158 +36,6 @@ using RegistrySource = std::function<bool(const std::string& entry, std::string&
 
 // The deepest nesting of objects and lists a profile may have.
 constexpr size_t kMaxDepth = 64;
-
-int LineAt(const std::string& text, size_t offset) {
-  offset = std::min(offset, text.size());
-  return 1 + static_cast<int>(std::count(text.begin(), text.begin() + offset, '\n'));
-}
-
-// The text of a JSON string literal (quotes included), its escapes decoded when it has any.
-std::string StringAt(const std::string& literal, bool escaped) {
-  if (escaped) {
-    const Json decoded = Json::parse(literal, nullptr, false);
-    if (decoded.is_string()) {
-      return decoded.get<std::string>();
-    }
-  }
-  return literal.size() >= 2 ? literal.substr(1, literal.size() - 2) : std::string();
-}
-
-// The offset of the first "{" or "[" nested deeper than `limit`, outside strings and comments.
-std::optional<size_t> TooDeep(const std::string& text, size_t limit) {
-  size_t depth = 0;
-  for (size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (c == '"') {
-      for (++i; i < text.size() && text[i] != '"'; ++i) {
-        i += text[i] == '\\' ? 1 : 0;
-      }
-    } else if (c == '/' && i + 1 < text.size() && (text[i + 1] == '/' || text[i + 1] == '*')) {
-      const bool line = text[i + 1] == '/';
-      const size_t end = text.find(line ? "\n" : "*/", i + 2);
-      i = end == std::string::npos ? text.size() : end + (line ? 0 : 1);
-    } else if (c == '{' || c == '[') {
-      if (++depth > limit) {
-        return i;
-      }
-    } else if ((c == '}' || c == ']') && depth > 0) {
-      --depth;
-    }
-  }
-  return std::nullopt;
-}
-
-// nlohmann's tree builder, keeping where and why parsing stopped instead of throwing.
-class TreeBuilder : public nlohmann::detail::json_sax_dom_parser<Json> {
- public:
-  explicit TreeBuilder(Json& root) : json_sax_dom_parser(root, false) {}
-
-  // Called by nlohmann's parser through the builder's static type, in place of the base's.
-  bool parse_error(std::size_t position, const std::string& token,
-                   const nlohmann::detail::exception& e) {
-    position_ = position;
-    token_ = token;
-    overflow_ = e.id == 406;
-    return false;
-  }
-
-  // The offset of the character at fault; past the end when the text ended too early.
-  size_t offset() const { return position_ > 0 ? position_ - 1 : 0; }
-  // What is wrong, in the loader's words.
-  std::string what(const std::string& text) const {
-    if (overflow_) {
-      constexpr size_t kShown = 40;
-      return "number " + token_.substr(0, kShown) + (token_.size() > kShown ? "..." : "") +
-             " is out of range";
-    }
-    const size_t at = offset();
-    if (at >= text.size()) {
-      return "invalid JSON: the text ends too early";
-    }
-    const size_t lineStart = at == 0 ? std::string::npos : text.rfind('\n', at - 1);
-    const size_t column = lineStart == std::string::npos ? at + 1 : at - lineStart;
-    return "invalid JSON at column " + std::to_string(column);
-  }
-
- private:
-  size_t position_ = 0;
-  std::string token_;
-  bool overflow_ = false;
-};
-
-// Where the member `keys` (a chain of keys from the top-level object, an element of a list named
-// by its number from "0") is written in the JSON text: a scan that follows strings, comments and
-// nesting, enough to tell a top-level key from a nested one of the same name.
-std::optional<size_t> FindKey(const std::string& text, const KeyPath& keys) {
-  std::vector<char> open;          // '{' or '[' of each enclosing value
-  std::vector<size_t> element;     // at each enclosing list, the number of the current element
-  std::vector<std::string> chain;  // the member key, or the element number, at each depth
-  std::string lastString;
-  size_t lastStart = 0;
-  bool afterString = false;
-  for (size_t i = 0; i < text.size();) {
-    const char c = text[i];
-    if (c == '"') {
-      lastStart = i;
-      bool escaped = false;
-      for (++i; i < text.size() && text[i] != '"'; ++i) {
-        if (text[i] == '\\') {
-          escaped = true;
-          ++i;  // the escaped character
-        }
-      }
-      ++i;
-      lastString = StringAt(text.substr(lastStart, i - lastStart), escaped);
-      afterString = true;
-      continue;
-    }
-    if (c == '/' && i + 1 < text.size() && (text[i + 1] == '/' || text[i + 1] == '*')) {
-      const bool line = text[i + 1] == '/';
-      const size_t end = text.find(line ? "\n" : "*/", i + 2);
-      i = end == std::string::npos ? text.size() : end + (line ? 1 : 2);
-      continue;
-    }
-    if (c == ' ' || c == '\t' || c == '\r' || c == '\n') {
-      ++i;
-      continue;
-    }
-    if (c == ':' && afterString && !open.empty() && open.back() == '{') {
-      chain.resize(open.size());
-      for (size_t depth = 0; depth < open.size(); ++depth) {
-        if (open[depth] == '[') {
-          chain[depth] = std::to_string(element[depth]);
-        }
-      }
-      chain.back() = lastString;
-      if (chain == keys) {
-        return lastStart;
-      }
-    } else if (c == '{' || c == '[') {
-      open.push_back(c);
-      element.push_back(0);
-    } else if ((c == '}' || c == ']') && !open.empty()) {
-      open.pop_back();
-      element.pop_back();
-      chain.resize(std::min(chain.size(), open.size()));
-    } else if (c == ',' && !open.empty() && open.back() == '[') {
-      ++element.back();
-    }
-    afterString = false;
-    ++i;
-  }
-  return std::nullopt;
-}
-
-// The line of the member `keys`, or of its nearest parent written plainly; line 1 for the
-// profile as a whole.
-int LineOfKey(const std::string& text, KeyPath keys) {
-  for (; !keys.empty(); keys.pop_back()) {
-    if (const auto offset = FindKey(text, keys)) {
-      return LineAt(text, *offset);
-    }
-  }
-  return 1;
-}
 
 constexpr const char* kFields[] = {
     "release",     "version",       "language", "ansiCodePage", "oemCodePage", "computerName",

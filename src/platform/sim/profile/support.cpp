@@ -114,6 +114,22 @@ bool ImportRegFile(Machine& machine, const std::filesystem::path& file, std::str
   }
 }
 
+bool JsonString(const nlohmann::json& value, std::string& out) {
+  if (!value.is_string()) {
+    return false;
+  }
+  out = value.get<std::string>();
+  return true;
+}
+
+bool JsonDword(const nlohmann::json& value, DWORD& out) {
+  if (!value.is_number_unsigned() || value.get<std::uint64_t>() > 0xFFFFFFFFU) {
+    return false;
+  }
+  out = static_cast<DWORD>(value.get<std::uint64_t>());
+  return true;
+}
+
 int HexDigit(char c) {
   if (std::isxdigit(static_cast<unsigned char>(c)) == 0) {
     return -1;

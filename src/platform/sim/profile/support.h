@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,11 @@ bool ApplyRegistryBytes(Machine& machine, std::string_view bytes, const std::str
 // has no exact form on the other side.
 bool Utf8ToAnsi(const Machine& machine, const std::string& utf8, std::string& ansi);
 bool AnsiToUtf8(const Machine& machine, const std::string& ansi, std::string& utf8);
+
+// A member that is a string, or a whole number a DWORD holds, read into `out`; false when it is
+// not one.
+bool JsonString(const nlohmann::json& value, std::string& out);
+bool JsonDword(const nlohmann::json& value, DWORD& out);
 
 // The value of a hexadecimal digit of either case; -1 for any other character.
 int HexDigit(char c);
