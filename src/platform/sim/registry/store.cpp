@@ -132,6 +132,19 @@ LONG RegistryStore::resolveWithRights(HKEY key, CharWidth width, REGSAM needed, 
   return ERROR_SUCCESS;
 }
 
+LONG RegistryStore::resolvePath(HKEY key, std::u16string_view subKey, CharWidth width,
+                                OpenKey& base, std::vector<std::u16string_view>& parts) {
+  if (const LONG status = resolve(key, width, base); status != ERROR_SUCCESS) {
+    return status;
+  }
+  auto split = SplitPath(subKey);
+  if (!split) {
+    return ERROR_BAD_PATHNAME;
+  }
+  parts = std::move(*split);
+  return ERROR_SUCCESS;
+}
+
 HKEY RegistryStore::addHandle(std::shared_ptr<RegistryNode> node, REGSAM access) {
   const std::uintptr_t value = nextHandle_;
   nextHandle_ += kHandleStep;
@@ -144,24 +157,18 @@ LONG RegistryStore::openKey(HKEY key, std::u16string_view subKey, REGSAM access,
   std::lock_guard lock(mutex_);
   *result = nullptr;
   OpenKey base;
-  if (const LONG status = resolve(key, width, base); status != ERROR_SUCCESS) {
+  std::vector<std::u16string_view> parts;
+  if (const LONG status = resolvePath(key, subKey, width, base, parts); status != ERROR_SUCCESS) {
     return status;
   }
-  const auto parts = SplitPath(subKey);
-  if (!parts) {
-    return ERROR_BAD_PATHNAME;
-  }
   // A predefined key opened with no subkey answers itself, as Windows documents.
-  if (parts->empty() && base.predefined) {
+  if (parts.empty() && base.predefined) {
     *result = key;
     return ERROR_SUCCESS;
   }
-  auto node = base.node;
-  for (const auto part : *parts) {
-    node = FindChild(*node, part);
-    if (!node) {
-      return ERROR_FILE_NOT_FOUND;
-    }
+  auto node = FindPath(base.node, parts);
+  if (!node) {
+    return ERROR_FILE_NOT_FOUND;
   }
   *result = addHandle(std::move(node), GrantedRights(access));
   return ERROR_SUCCESS;
@@ -174,21 +181,18 @@ LONG RegistryStore::createKey(HKEY key, std::u16string_view subKey, REGSAM acces
                               HKEY* result, DWORD* disposition) {
   std::lock_guard lock(mutex_);
   *result = nullptr;
-  OpenKey base;
-  if (const LONG status = resolve(key, width, base); status != ERROR_SUCCESS) {
-    return status;
-  }
   // Windows 9x creates a key below a leading separator that opening refuses.
   if (isWin9x() && subKey.starts_with(u'\\')) {
     subKey.remove_prefix(1);
   }
-  const auto parts = SplitPath(subKey);
-  if (!parts) {
-    return ERROR_BAD_PATHNAME;
+  OpenKey base;
+  std::vector<std::u16string_view> parts;
+  if (const LONG status = resolvePath(key, subKey, width, base, parts); status != ERROR_SUCCESS) {
+    return status;
   }
   auto node = base.node;
   bool created = false;
-  for (const auto part : *parts) {
+  for (const auto part : parts) {
     auto child = FindChild(*node, part);
     if (!child) {
       if (node->readOnly) {
@@ -309,21 +313,15 @@ void RegistryStore::refuseDeletionOf(std::u16string valueName) {
 LONG RegistryStore::deleteKey(HKEY key, std::u16string_view subKey, CharWidth width) {
   std::lock_guard lock(mutex_);
   OpenKey base;
-  if (const LONG status = resolve(key, width, base); status != ERROR_SUCCESS) {
+  std::vector<std::u16string_view> parts;
+  if (const LONG status = resolvePath(key, subKey, width, base, parts); status != ERROR_SUCCESS) {
     return status;
   }
-  const auto parts = SplitPath(subKey);
-  if (!parts) {
-    return ERROR_BAD_PATHNAME;
+  auto node = FindPath(base.node, parts);
+  if (!node) {
+    return ERROR_FILE_NOT_FOUND;
   }
-  auto node = base.node;
-  for (const auto part : *parts) {
-    node = FindChild(*node, part);
-    if (!node) {
-      return ERROR_FILE_NOT_FOUND;
-    }
-  }
-  if (node->parent == nullptr || (parts->empty() && base.predefined)) {
+  if (node->parent == nullptr || (parts.empty() && base.predefined)) {
     return ERROR_ACCESS_DENIED;
   }
   // The NT family deletes only leaf keys; Windows 9x takes the whole subtree.

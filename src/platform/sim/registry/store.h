@@ -152,6 +152,9 @@ class RegistryStore {
   bool isWin9x() const;
   LONG resolve(HKEY key, CharWidth width, OpenKey& out);
   LONG resolveWithRights(HKEY key, CharWidth width, REGSAM needed, OpenKey& out);
+  // resolve, and the components of `subKey` below the key (ERROR_BAD_PATHNAME when invalid).
+  LONG resolvePath(HKEY key, std::u16string_view subKey, CharWidth width, OpenKey& base,
+                   std::vector<std::u16string_view>& parts);
   std::shared_ptr<RegistryNode> viewTarget(HKEY key);
   HKEY addHandle(std::shared_ptr<RegistryNode> node, REGSAM access);
   void readValue(const ValueSnapshot& value, CharWidth width, ValueRead& out) const;

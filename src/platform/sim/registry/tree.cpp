@@ -71,6 +71,17 @@ std::shared_ptr<RegistryNode> FindChild(RegistryNode& node, std::u16string_view 
   return it != node.subkeys.end() && (*it)->folded == folded ? *it : nullptr;
 }
 
+std::shared_ptr<RegistryNode> FindPath(std::shared_ptr<RegistryNode> node,
+                                       const std::vector<std::u16string_view>& parts) {
+  for (const auto part : parts) {
+    if (!node) {
+      break;
+    }
+    node = FindChild(*node, part);
+  }
+  return node;
+}
+
 std::shared_ptr<RegistryNode> AddChild(RegistryNode& node, std::u16string_view name) {
   auto child = std::make_shared<RegistryNode>();
   child->name = std::u16string(name);

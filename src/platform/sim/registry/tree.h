@@ -36,6 +36,9 @@ std::vector<std::u16string_view> SplitKnownPath(std::u16string_view path);
 
 // The subkey of `node` named `name`; null when there is none.
 std::shared_ptr<RegistryNode> FindChild(RegistryNode& node, std::u16string_view name);
+// The key `parts` names below `node`; null when one of them does not exist.
+std::shared_ptr<RegistryNode> FindPath(std::shared_ptr<RegistryNode> node,
+                                       const std::vector<std::u16string_view>& parts);
 // A new subkey of `node`, in its place in the enumeration order.
 std::shared_ptr<RegistryNode> AddChild(RegistryNode& node, std::u16string_view name);
 std::shared_ptr<RegistryNode> FindOrAddChild(RegistryNode& node, std::u16string_view name);
