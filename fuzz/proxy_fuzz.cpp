@@ -7,7 +7,7 @@
 
 #include "fuzz_machine.h"
 #include "hostkit/configure_ie.h"
-#include "platform/sim/profile_support.h"
+#include "platform/sim/profile/support.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 
 #include "foundation/reg_file.h"
 #include "fuzz_machine.h"
-#include "platform/sim/profile_support.h"
-#include "platform/sim/registry_store.h"
+#include "platform/sim/profile/support.h"
+#include "platform/sim/registry/store.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "foundation/reg_file.h"
 #include "hostkit/sim/profile.h"
 #include "platform/registry.h"
-#include "platform/sim/registry_store.h"
+#include "platform/sim/registry/store.h"
 #include "support/sim_machine.h"
 
 namespace Hostkit::sim {

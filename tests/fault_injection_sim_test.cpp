@@ -32,7 +32,7 @@
 #include "hostkit/strings.h"
 #include "hostkit/usb.h"
 #include "hostkit/window_controller.h"
-#include "platform/sim/registry_store.h"
+#include "platform/sim/registry/store.h"
 #include "support/test_machine.h"
 
 namespace Hostkit {

@@ -15,7 +15,7 @@
 #include "hostkit/regwiz.h"
 #include "hostkit/sim/profile.h"
 #include "platform/registry.h"
-#include "platform/sim/registry_store.h"
+#include "platform/sim/registry/store.h"
 
 namespace Hostkit::sim {
 namespace {

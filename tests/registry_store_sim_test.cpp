@@ -7,7 +7,7 @@
 #include <tuple>
 #include <vector>
 
-#include "platform/sim/registry_store.h"
+#include "platform/sim/registry/store.h"
 #include "support/registry_probe.h"
 #include "support/sim_machine.h"
 

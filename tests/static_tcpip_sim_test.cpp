@@ -9,7 +9,7 @@
 #include "hostkit/regwiz.h"
 #include "hostkit/sim/machine.h"
 #include "hostkit/static_tcpip.h"
-#include "platform/sim/registry_store.h"
+#include "platform/sim/registry/store.h"
 #include "support/network_fixture.h"
 #include "support/sim_machine.h"
 

@@ -2,9 +2,9 @@
 // tree: every key gets its own key line (so empty keys survive), values keep their enumeration
 // order, and a value is written in the quoted or dword form only when that form carries exactly
 // its stored bytes; everything else is written as hex(N).
-#include <cstdio>
 
 #include "foundation/reg_file.h"
+#include "foundation/reg_file_format.h"
 #include "foundation/reg_file_text.h"
 #include "foundation/registry_calls.h"
 
@@ -71,8 +71,7 @@ class Writer {
   static constexpr bool kVersion5 = sizeof(Ch) == 2;
 
   LONG Write(const std::vector<HKEY>& roots, std::string& error) {
-    AppendAscii<Ch>(
-        out_, kVersion5 ? "Windows Registry Editor Version 5.00\r\n\r\n" : "REGEDIT4\r\n\r\n");
+    AppendAscii<Ch>(out_, FileHeader(kVersion5));
     for (HKEY root : roots) {
       const LONG result = WriteKey(root, Text<Ch>());
       if (result != ERROR_SUCCESS) {
@@ -85,10 +84,8 @@ class Writer {
 
   std::string Bytes() const {
     if constexpr (kVersion5) {
-      std::string bytes = "\xFF\xFE";
-      for (BYTE b : Utf16Bytes(out_)) {
-        bytes += static_cast<char>(b);
-      }
+      std::string bytes(kUtf16Bom);
+      AppendUtf16Le(bytes, out_);
       return bytes;
     } else {
       return out_;
@@ -188,58 +185,19 @@ class Writer {
     if (value.type == REG_SZ && QuotableText(value.data, text)) {
       AppendQuoted(text);
     } else if (value.type == REG_DWORD && value.data.size() == 4) {
-      char digits[16];
-      std::snprintf(digits, sizeof digits, "dword:%02x%02x%02x%02x", value.data[3], value.data[2],
-                    value.data[1], value.data[0]);
-      AppendAscii<Ch>(out_, digits);
+      AppendAscii<Ch>(out_, DwordText(value.data[3], value.data[2], value.data[1], value.data[0]));
     } else {
-      AppendBytes(value, out_.size() - lineStart);
+      AppendAscii<Ch>(out_, HexValueText(value.type, value.data.data(), value.data.size(),
+                                         out_.size() - lineStart));
     }
     AppendAscii<Ch>(out_, "\r\n");
   }
 
-  // Escapes backslash and double quote; REGEDIT4 also escapes line breaks, while 5.00 files
-  // carry them raw inside the quotes.
+  // REGEDIT4 escapes line breaks, while 5.00 files carry them raw inside the quotes.
   void AppendQuoted(const Text<Ch>& text) {
     out_ += static_cast<Ch>('"');
-    for (Ch c : text) {
-      if (c == static_cast<Ch>('\\') || c == static_cast<Ch>('"')) {
-        out_ += static_cast<Ch>('\\');
-        out_ += c;
-      } else if (!kVersion5 && c == static_cast<Ch>('\r')) {
-        AppendAscii<Ch>(out_, "\\r");
-      } else if (!kVersion5 && c == static_cast<Ch>('\n')) {
-        AppendAscii<Ch>(out_, "\\n");
-      } else {
-        out_ += c;
-      }
-    }
+    out_ += EscapedText<Ch>(text, !kVersion5);
     out_ += static_cast<Ch>('"');
-  }
-
-  // hex: or hex(N): and the bytes, wrapped with ",\" once a line reaches 78 characters.
-  void AppendBytes(const Value& value, size_t column) {
-    char prefix[24];
-    if (value.type == REG_BINARY) {
-      std::snprintf(prefix, sizeof prefix, "hex:");
-    } else {
-      std::snprintf(prefix, sizeof prefix, "hex(%x):", static_cast<unsigned>(value.type));
-    }
-    AppendAscii<Ch>(out_, prefix);
-    size_t counter = column + std::string_view(prefix).size() + 1;
-    for (size_t i = 0; i < value.data.size(); ++i) {
-      if (i > 0) {
-        out_ += static_cast<Ch>(',');
-        if (counter >= 78) {
-          AppendAscii<Ch>(out_, "\\\r\n  ");
-          counter = 3;
-        }
-      }
-      char digits[4];
-      std::snprintf(digits, sizeof digits, "%02x", static_cast<unsigned>(value.data[i]));
-      AppendAscii<Ch>(out_, digits);
-      counter += 3;
-    }
   }
 
   static std::string Describe(HKEY root, const Text<Ch>& path) {

@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "foundation/reg_file.h"
+#include "foundation/reg_file_format.h"
 #include "foundation/registry_backup_impl.h"
 #include "foundation/registry_calls.h"
 #include "hostkit/strings.h"
@@ -25,8 +25,6 @@ constexpr DWORD kNameBuffer = 259;
 constexpr int kPieceBuffer = 260;
 // Bytes of value data read together with the value's name; larger values are read again.
 constexpr size_t kValueBuffer = 4096;
-// A byte list continues on a new line once a line has reached this column.
-constexpr int kWrapColumn = 78;
 
 // The file's bytes, gathered and written in large blocks.
 class Output {
@@ -96,14 +94,11 @@ class Output {
   }
 
   void Unit(WCHAR unit) {
-    pending_.push_back(static_cast<char>(static_cast<unsigned>(unit) & 0xFF));
-    pending_.push_back(static_cast<char>((static_cast<unsigned>(unit) >> 8) & 0xFF));
+    regfile::AppendUtf16Le(pending_, std::basic_string_view<WCHAR>(&unit, 1));
   }
 
   void Units(std::basic_string_view<WCHAR> text) {
-    for (const WCHAR unit : text) {
-      Unit(unit);
-    }
+    regfile::AppendUtf16Le(pending_, text);
     FlushWhenFull();
   }
 
@@ -124,32 +119,6 @@ class Output {
   bool asciiKnown_ = false;
   std::array<WCHAR, 0x80> asciiUnits_{};
 };
-
-// Appends the byte as two lower-case hexadecimal digits.
-void AppendHex2(std::string& text, unsigned value) {
-  static const char kDigits[] = "0123456789abcdef";
-  text.push_back(kDigits[(value >> 4) & 0xF]);
-  text.push_back(kDigits[value & 0xF]);
-}
-
-// "dword:" and the four bytes in the order given.
-std::string DwordText(std::initializer_list<BYTE> bytes) {
-  std::string text = "dword:";
-  for (const BYTE byte : bytes) {
-    AppendHex2(text, byte);
-  }
-  return text;
-}
-
-// "hex:", "hex(2):", ..., the type in lower-case hexadecimal for the types without a name.
-std::string HexPrefix(DWORD type) {
-  if (type == REG_BINARY) {
-    return "hex:";
-  }
-  char text[24];
-  std::snprintf(text, sizeof text, "hex(%lx):", static_cast<unsigned long>(type));
-  return text;
-}
 
 // Whether `path` is `expected` without regard to ASCII case.
 template <class Ch>
@@ -248,26 +217,6 @@ class KeyWriter {
     return true;
   }
 
-  // `text` with "\" and the double quote escaped, and CR and LF too when `lineBreaks` is set.
-  static String Escaped(const String& text, bool lineBreaks) {
-    String escaped;
-    for (const Ch c : text) {
-      if (c == static_cast<Ch>('\\') || c == static_cast<Ch>('"')) {
-        escaped.push_back(static_cast<Ch>('\\'));
-        escaped.push_back(c);
-      } else if (lineBreaks && c == static_cast<Ch>('\r')) {
-        escaped.push_back(static_cast<Ch>('\\'));
-        escaped.push_back(static_cast<Ch>('r'));
-      } else if (lineBreaks && c == static_cast<Ch>('\n')) {
-        escaped.push_back(static_cast<Ch>('\\'));
-        escaped.push_back(static_cast<Ch>('n'));
-      } else {
-        escaped.push_back(c);
-      }
-    }
-    return escaped;
-  }
-
   // A string value's text: up to its first zero and at most its stored size.
   static String StoredText(const std::vector<BYTE>& data, size_t size) {
     String text;
@@ -289,7 +238,7 @@ class KeyWriter {
     if (name.empty()) {
       out_.Text("@");
     } else {
-      const String escaped = Escaped(name, false);
+      const String escaped = regfile::EscapedText<Ch>(name, false);
       out_.Text("\"");
       out_.Registry(escaped);
       out_.Text("\"");
@@ -302,45 +251,23 @@ class KeyWriter {
         // REGEDIT4 escapes line breaks except on Windows 95; version 5.00 keeps them.
         const bool lineBreaks = sizeof(Ch) == 1 && !format_.rawLineBreaks;
         out_.Text("\"");
-        out_.Registry(Escaped(StoredText(data, size), lineBreaks));
+        out_.Registry(regfile::EscapedText<Ch>(StoredText(data, size), lineBreaks));
         out_.Text("\"");
         break;
       }
       case REG_DWORD:
-        out_.Text(DwordText({data[3], data[2], data[1], data[0]}));
+        out_.Text(regfile::DwordText(data[3], data[2], data[1], data[0]));
         break;
       case REG_DWORD_BIG_ENDIAN:
-        out_.Text(DwordText({data[0], data[1], data[2], data[3]}));
+        out_.Text(regfile::DwordText(data[0], data[1], data[2], data[3]));
         break;
       case REG_LINK:
         break;
-      default: {
-        const std::string prefix = HexPrefix(type);
-        out_.Text(prefix);
-        WriteByteList(data, size, column + prefix.size() + 1);
+      default:
+        out_.Text(regfile::HexValueText(type, data.data(), size, column));
         break;
-      }
     }
     out_.Text("\r\n");
-  }
-
-  // The bytes as comma-separated hex pairs, continued on a new line (after a comma and a
-  // backslash) once the line reaches the wrap column.
-  void WriteByteList(const std::vector<BYTE>& data, size_t size, size_t column) {
-    std::string list;
-    list.reserve(size * 3 + size / 8 * 5);
-    for (size_t i = 0; i < size; ++i) {
-      if (i > 0) {
-        list += ',';
-        if (column >= kWrapColumn) {
-          list += "\\\r\n  ";
-          column = 3;
-        }
-      }
-      AppendHex2(list, data[i]);
-      column += 3;
-    }
-    out_.Text(list);
   }
 
   Output& out_;
@@ -353,11 +280,9 @@ void WriteRegistryFile(std::FILE* file, const FileFormat& format,
                        const std::vector<RegistryBackupKey>& keys) {
   Output out(file, format.unicode);
   if (format.unicode) {
-    out.Bytes("\xFF\xFE", 2);
-    out.Text("Windows Registry Editor Version 5.00\r\n\r\n");
-  } else {
-    out.Text("REGEDIT4\r\n\r\n");
+    out.Bytes(regfile::kUtf16Bom.data(), regfile::kUtf16Bom.size());
   }
+  out.Text(regfile::FileHeader(format.unicode));
   for (const RegistryBackupKey& key : keys) {
     // Only the predefined roots have a name a registry file can carry.
     const std::string rootName = regfile::RootName(key.root);

@@ -13,7 +13,7 @@
 #include "commands.h"
 #include "hostkit/sim/machine.h"
 #include "hostkit/sim/profile.h"
-#include "platform/sim/registry_store.h"
+#include "platform/sim/registry/store.h"
 
 namespace hostkit_tool {
 

@@ -7,9 +7,9 @@
 #include <mutex>
 #include <utility>
 
-#include "platform/sim/kernel32_module.h"
-#include "platform/sim/registry_store.h"
-#include "platform/sim/standard_modules.h"
+#include "platform/sim/kernel/kernel32_module.h"
+#include "platform/sim/kernel/standard_modules.h"
+#include "platform/sim/registry/store.h"
 
 namespace Hostkit::sim {
 

@@ -1,5 +1,5 @@
 // The simulated machine's processor fault, as its faulting instructions raise it.
-#include "platform/sim/processor_fault.h"
+#include "platform/sim/kernel/processor_fault.h"
 #include "support/processor_fault.h"
 
 namespace hostkit_test {
